@@ -1,0 +1,45 @@
+// CPU-feature choice: the one piece of global state of the library, set once.
+#pragma once
+
+#if !defined(ORUCV_PORTABLE) && (defined(__x86_64__) || defined(__i386__) || defined(_M_X64))
+#define ORUCV_X86_SIMD 1
+#else
+#define ORUCV_X86_SIMD 0
+#endif
+
+namespace orucv {
+
+enum class SimdLevel : int { Scalar = 0, Sse2 = 1, Avx2 = 2 };
+
+// Best level this CPU (and build) supports, detected on first use.
+SimdLevel detected_simd_level();
+
+// Level the kernels dispatch on: the detected level unless lowered for tests.
+SimdLevel simd_level();
+
+// Test and benchmark hook (not exported): lowers the dispatch level so every
+// path can run on one machine. A level above the detected one is clamped.
+// Returns the previous level.
+SimdLevel force_simd_level(SimdLevel level);
+
+// Picks a family's kernel table by the current level. Families without an
+// AVX2 variant pass their SSE2 table twice.
+template <class Table>
+inline const Table& choose(const Table& scalar, const Table* sse2, const Table* avx2) {
+    switch (simd_level()) {
+    case SimdLevel::Avx2: return avx2 ? *avx2 : (sse2 ? *sse2 : scalar);
+    case SimdLevel::Sse2: return sse2 ? *sse2 : scalar;
+    default: return scalar;
+    }
+}
+
+}  // namespace orucv
+
+// Declares and chooses a family's tables named <base>_scalar, <base>_sse2 and
+// <base>_avx2; SIMD tables exist only in x86 SIMD builds.
+#if ORUCV_X86_SIMD
+#define ORUCV_CHOOSE(base) ::orucv::choose(base##_scalar, &base##_sse2, &base##_avx2)
+#else
+#define ORUCV_CHOOSE(base) ::orucv::choose(base##_scalar, decltype(&base##_scalar)(nullptr), \
+                                           decltype(&base##_scalar)(nullptr))
+#endif
