@@ -64,8 +64,8 @@ dist_t* general_pass(dist_t* row, int dstStep, int width, int height, int dir, i
     int32_t cand[13];
     for (int y = 0; y < height; ++y) {
         if (y > 0) row = step_rows(row, dstStep, dir);
-        const dist_t* near1 = y >= 1 ? step_rows(row, dstStep, back) : nullptr;
-        const dist_t* near2 = y >= 2 ? step_rows(row, dstStep, 2 * back) : nullptr;
+        dist_t* near1 = y >= 1 ? step_rows(row, dstStep, back) : nullptr;
+        const dist_t* near2 = y >= 2 ? step_rows(near1, dstStep, back) : nullptr;
         for (int i = 0; i < width; ++i) {
             const int x = dir > 0 ? i : width - 1 - i;
             int n = 0;
