@@ -192,8 +192,15 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
  * counts of 32 and more give 0 or -1 too, on every pixel. Float results use
  * the weights 3k, 10k and 13k (edge rows and columns) with k = 1 / 2^shift,
  * 2^shift formed by repeated doubling of 1.0f: from 128 on k is 0.
- * Float sums are formed in single precision in a fixed order, the same for
- * every pixel of every run.
+ *
+ * Float sums are formed in single precision in one fixed order: first the
+ * row term of each source row (d, or m = (c0 s(x-1) + c1 s(x)) + c2 s(x+1)),
+ * then the rows: Dx = (c0 d(y-1) + c1 d(y)) + c2 d(y+1), Dy = m(y+1) - m(y-1).
+ * Replicated neighbours collapse into one weight: the first row or column
+ * uses big * (edge) + small * (next), the last small * (previous) + big *
+ * (edge), with (c0, c1, c2, big, small) = (1, 2, 1, 3, 1) for Sobel and
+ * (3k, 10k, 3k, 13k, 3k) for Scharr; a one-column row has m = 4 s (Sobel)
+ * or 16k s (Scharr) and d = 0.
  *
  * Checks, first failure returns (nothing is written on failure):
  *   1. pSrc or pDst NULL: oruStsNullPointer;
@@ -225,8 +232,6 @@ ORUCV_API OruStatus oruiSobel3x3_D2y_8s16s_C1R(const Oru8s* pSrc, int srcStep, O
                                                OruSize roiSize);
 ORUCV_API OruStatus oruiSobel3x3_DxDy_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
                                                 int origin, OruSize roiSize);
-/* Float Sobel: the edge rows and columns use the collapsed weights 3 and 1
- * (e.g. row 0 of Dx is 3 d(0) + d(1)), a one-column Dy uses m = 4 s. */
 ORUCV_API OruStatus oruiSobel3x3_Dx_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
                                             OruSize roiSize);
 ORUCV_API OruStatus oruiSobel3x3_Dy_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, int origin,

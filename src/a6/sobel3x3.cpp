@@ -73,7 +73,7 @@ void a6_orcvDx3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep
     k.dx2_32f(src, row_at(src, srcStep, 1), dst, width, w.big, w.small);
     // Interior rows in pairs: each source row's differences serve both.
     int y = 1;
-    for (; y + 1 < height - 1; y += 2)
+    for (; y < height - 2; y += 2)
         k.dx3x2_32f(row_at(src, srcStep, y - 1), row_at(src, srcStep, y), row_at(src, srcStep, y + 1),
                     row_at(src, srcStep, y + 2), row_at(dst, dstStep, y), row_at(dst, dstStep, y + 1), width, w);
     if (y < height - 1)
@@ -95,7 +95,7 @@ void a6_orcvDy3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep
     // Interior rows four at a time: six smoothed source rows serve them.
     one_row(0);
     int y = 1;
-    for (; y + 4 <= height - 1; y += 4)
+    for (; y <= height - 5; y += 4)
         k.dy4_32f(row_at(src, srcStep, y - 1), srcStep, row_at(dst, dstStep, y), dstStep, width, flip, w);
     for (; y < height; ++y) one_row(y);
 }

@@ -75,11 +75,11 @@ void int_row(const S* up, const S* mid, const S* down, int16_t* dst, int width, 
     const typename Ops::Count c = Ops::count(count);
     const int end = width - 1;
     int x = 1;
-    for (; x + 32 <= end; x += 32) {
+    for (; x <= end - 32; x += 32) {
         Ops::store(dst + x, int_block<Ops, K>(up, mid, down, x, c));
         Ops::store(dst + x + 16, int_block<Ops, K>(up, mid, down, x + 16, c));
     }
-    if (x + 16 <= end) {
+    if (x <= end - 16) {
         Ops::store(dst + x, int_block<Ops, K>(up, mid, down, x, c));
         x += 16;
     }
@@ -92,11 +92,11 @@ template <class Block>
 inline void float_interior(int width, Block block) {
     const int end = width - 1;
     int x = 1;
-    for (; x + 16 <= end; x += 16) {
+    for (; x <= end - 16; x += 16) {
         block(x);
         block(x + 8);
     }
-    if (x + 8 <= end) {
+    if (x <= end - 8) {
         block(x);
         x += 8;
     }
