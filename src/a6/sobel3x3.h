@@ -29,6 +29,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace orucv {
 namespace a6 {
@@ -122,6 +123,14 @@ Weights32f sobel_weights_32f();
 // Scharr weights for a shift count >= 0: k = 1 / 2^shift, 2^shift formed by
 // repeated doubling of 1.0f (infinite from 128 on, so k becomes 0).
 Weights32f scharr_weights_32f(int shift);
+
+// Row i below `first` in rows `step` bytes apart (internal linkage: the
+// vector files use it too).
+template <class T>
+static inline T* nth_row(T* first, int step, int i) {
+    using Byte = typename std::conditional<std::is_const<T>::value, const char, char>::type;
+    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(first) + static_cast<ptrdiff_t>(step) * i);
+}
 
 namespace scalar {
 
@@ -236,13 +245,10 @@ static inline void dy_32f(const float* up, const float* down, float* dst, int wi
 
 static inline void dy4_32f(const float* first, int srcStep, float* dst, int dstStep, int width, bool flip,
                            const Weights32f& w) {
-    auto src_row = [&](int i) {
-        return reinterpret_cast<const float*>(reinterpret_cast<const char*>(first) + static_cast<ptrdiff_t>(srcStep) * i);
-    };
     for (int i = 0; i < 4; ++i) {
-        float* d = reinterpret_cast<float*>(reinterpret_cast<char*>(dst) + static_cast<ptrdiff_t>(dstStep) * i);
-        if (flip) dy_32f(src_row(i + 2), src_row(i), d, width, w);
-        else dy_32f(src_row(i), src_row(i + 2), d, width, w);
+        const float* up = nth_row(first, srcStep, flip ? i + 2 : i);
+        const float* down = nth_row(first, srcStep, flip ? i : i + 2);
+        dy_32f(up, down, nth_row(dst, dstStep, i), width, w);
     }
 }
 

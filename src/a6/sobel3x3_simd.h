@@ -205,10 +205,8 @@ template <class FOps, bool Unit, bool Flip>
 void dy4_interior(const float* first, int srcStep, float* dst, int dstStep, int width, const Weights32f& w) {
     const float* r[6];
     float* d[4];
-    for (int i = 0; i < 6; ++i)
-        r[i] = reinterpret_cast<const float*>(reinterpret_cast<const char*>(first) + static_cast<ptrdiff_t>(srcStep) * i);
-    for (int i = 0; i < 4; ++i)
-        d[i] = reinterpret_cast<float*>(reinterpret_cast<char*>(dst) + static_cast<ptrdiff_t>(dstStep) * i);
+    for (int i = 0; i < 6; ++i) r[i] = nth_row(first, srcStep, i);
+    for (int i = 0; i < 4; ++i) d[i] = nth_row(dst, dstStep, i);
     const typename FOps::F c0 = FOps::set(w.c0), c1 = FOps::set(w.c1), c2 = FOps::set(w.c2);
     auto smooth = [&](const float* row, int x) {
         return FOps::add(FOps::add(outer<FOps, Unit>(c0, FOps::load(row + x - 1)), FOps::mul(c1, FOps::load(row + x))),
@@ -236,13 +234,9 @@ void dy4_32f(const float* first, int srcStep, float* dst, int dstStep, int width
         return;
     }
     for (int i = 0; i < 4; ++i) {
-        const float* up = reinterpret_cast<const float*>(reinterpret_cast<const char*>(first) +
-                                                         static_cast<ptrdiff_t>(srcStep) * (flip ? i + 2 : i));
-        const float* down = reinterpret_cast<const float*>(reinterpret_cast<const char*>(first) +
-                                                           static_cast<ptrdiff_t>(srcStep) * (flip ? i : i + 2));
-        scalar::dy_32f_edges(up, down, reinterpret_cast<float*>(reinterpret_cast<char*>(dst) +
-                                                                static_cast<ptrdiff_t>(dstStep) * i),
-                             width, w);
+        const float* up = nth_row(first, srcStep, flip ? i + 2 : i);
+        const float* down = nth_row(first, srcStep, flip ? i : i + 2);
+        scalar::dy_32f_edges(up, down, nth_row(dst, dstStep, i), width, w);
     }
     const bool unit = w.c0 == 1.0f && w.c2 == 1.0f;
     if (unit && !flip) dy4_interior<FOps, true, false>(first, srcStep, dst, dstStep, width, w);
