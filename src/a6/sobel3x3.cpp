@@ -16,6 +16,10 @@ const Sobel3x3Kernels sobel3x3_kernels_scalar = {
     scalar::row_int<KernelDy, int8_t>,        scalar::row_int<KernelD2x, int8_t>,
     scalar::row_int<KernelD2y, int8_t>,       scalar::row_int<KernelDxDy, int8_t>,
     scalar::row_int<KernelScharrDx, int8_t>,  scalar::row_int<KernelScharrDy, int8_t>,
+    scalar::row_int_pair<KernelDx, uint8_t>,  scalar::row_int_pair<KernelD2x, uint8_t>,
+    scalar::row_int_pair<KernelD2y, uint8_t>, scalar::row_int_pair<KernelScharrDx, uint8_t>,
+    scalar::row_int_pair<KernelDx, int8_t>,   scalar::row_int_pair<KernelD2x, int8_t>,
+    scalar::row_int_pair<KernelD2y, int8_t>,  scalar::row_int_pair<KernelScharrDx, int8_t>,
     scalar::dx3_32f,                          scalar::dx3x2_32f,
     scalar::dx2_32f,
     scalar::dy_32f,                           scalar::dy4_32f,
@@ -25,18 +29,14 @@ const Sobel3x3Kernels& sobel3x3_kernels() { return ORUCV_CHOOSE(sobel3x3_kernels
 
 namespace {
 
-template <class Row>
-Row pick(const Row (&rows)[7], IntFilter filter) {
-    return rows[static_cast<int>(filter)];
-}
-
 // Runs an integer row kernel over the image with replicated first and last
-// rows: the row pointers repeat, nothing is copied.
-template <class S, class Row>
-void int_image(Row row, const S* src, int srcStep, int16_t* dst, int dstStep, int width, int height, bool flip,
-               int shift) {
+// rows: the row pointers repeat, nothing is copied. Kernels with a pair form
+// (no origin) do their interior rows two at a time.
+template <class S, class Row, class Pair>
+void int_image(Row row, Pair pair, const S* src, int srcStep, int16_t* dst, int dstStep, int width, int height,
+               bool flip, int shift) {
     const int count = clamp_shift(shift);
-    for (int y = 0; y < height; ++y) {
+    auto one_row = [&](int y) {
         const S* up = row_at(src, srcStep, y > 0 ? y - 1 : 0);
         const S* mid = row_at(src, srcStep, y);
         const S* down = row_at(src, srcStep, y < height - 1 ? y + 1 : height - 1);
@@ -46,7 +46,15 @@ void int_image(Row row, const S* src, int srcStep, int16_t* dst, int dstStep, in
             down = t;
         }
         row(up, mid, down, row_at(dst, dstStep, y), width, count);
+    };
+    int y = 0;
+    if (pair) {
+        one_row(0);
+        for (y = 1; y < height - 2; y += 2)
+            pair(row_at(src, srcStep, y - 1), row_at(src, srcStep, y), row_at(src, srcStep, y + 1),
+                 row_at(src, srcStep, y + 2), row_at(dst, dstStep, y), row_at(dst, dstStep, y + 1), width, count);
     }
+    for (; y < height; ++y) one_row(y);
 }
 
 }  // namespace
@@ -55,14 +63,20 @@ void a6_orcvFilter3x3_8u16s_C1R(IntFilter filter, const uint8_t* src, int srcSte
                                 int width, int height, bool flip, int shift) {
     const Sobel3x3Kernels& k = sobel3x3_kernels();
     const Row8u rows[7] = {k.dx_8u, k.dy_8u, k.d2x_8u, k.d2y_8u, k.dxdy_8u, k.scharr_dx_8u, k.scharr_dy_8u};
-    int_image(pick(rows, filter), src, srcStep, dst, dstStep, width, height, flip, shift);
+    const Pair8u pairs[7] = {k.pair_dx_8u, nullptr, k.pair_d2x_8u, k.pair_d2y_8u, nullptr, k.pair_scharr_dx_8u,
+                             nullptr};
+    const int i = static_cast<int>(filter);
+    int_image(rows[i], flip ? nullptr : pairs[i], src, srcStep, dst, dstStep, width, height, flip, shift);
 }
 
 void a6_orcvFilter3x3_8s16s_C1R(IntFilter filter, const int8_t* src, int srcStep, int16_t* dst, int dstStep,
                                 int width, int height, bool flip, int shift) {
     const Sobel3x3Kernels& k = sobel3x3_kernels();
     const Row8s rows[7] = {k.dx_8s, k.dy_8s, k.d2x_8s, k.d2y_8s, k.dxdy_8s, k.scharr_dx_8s, k.scharr_dy_8s};
-    int_image(pick(rows, filter), src, srcStep, dst, dstStep, width, height, flip, shift);
+    const Pair8s pairs[7] = {k.pair_dx_8s, nullptr, k.pair_d2x_8s, k.pair_d2y_8s, nullptr, k.pair_scharr_dx_8s,
+                             nullptr};
+    const int i = static_cast<int>(filter);
+    int_image(rows[i], flip ? nullptr : pairs[i], src, srcStep, dst, dstStep, width, height, flip, shift);
 }
 
 // Interior rows weigh the differences of three rows; the first and last rows

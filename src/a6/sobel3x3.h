@@ -76,6 +76,13 @@ typedef void (*Row8u)(const uint8_t* up, const uint8_t* mid, const uint8_t* down
                       int count);
 typedef void (*Row8s)(const int8_t* up, const int8_t* mid, const int8_t* down, int16_t* dst, int width,
                       int count);
+// Two integer rows at once: rows r0, r1, r2 give d0; r1, r2, r3 give d1.
+// For the kernels that weigh three rows (Dx, D2x, D2y, Scharr Dx) each
+// source row's horizontal term then serves two outputs.
+typedef void (*Pair8u)(const uint8_t* r0, const uint8_t* r1, const uint8_t* r2, const uint8_t* r3, int16_t* d0,
+                       int16_t* d1, int width, int count);
+typedef void (*Pair8s)(const int8_t* r0, const int8_t* r1, const int8_t* r2, const int8_t* r3, int16_t* d0,
+                       int16_t* d1, int width, int count);
 // Float Dx rows: three-term interior rows and two-term first and last rows.
 typedef void (*RowDx3_32f)(const float* up, const float* mid, const float* down, float* dst, int width,
                            const Weights32f& w);
@@ -94,6 +101,8 @@ typedef void (*RowDy4_32f)(const float* first, int srcStep, float* dst, int dstS
 struct Sobel3x3Kernels {
     Row8u dx_8u, dy_8u, d2x_8u, d2y_8u, dxdy_8u, scharr_dx_8u, scharr_dy_8u;
     Row8s dx_8s, dy_8s, d2x_8s, d2y_8s, dxdy_8s, scharr_dx_8s, scharr_dy_8s;
+    Pair8u pair_dx_8u, pair_d2x_8u, pair_d2y_8u, pair_scharr_dx_8u;
+    Pair8s pair_dx_8s, pair_d2x_8s, pair_d2y_8s, pair_scharr_dx_8s;
     RowDx3_32f dx3_32f;
     RowDx3x2_32f dx3x2_32f;
     RowDx2_32f dx2_32f;
@@ -168,6 +177,13 @@ template <class K, class S>
 static inline void row_int(const S* up, const S* mid, const S* down, int16_t* dst, int width, int count) {
     row_int_edges<K>(up, mid, down, dst, width, count);
     if (width > 2) row_int_interior<K>(up, mid, down, dst, 1, width - 1, count);
+}
+
+template <class K, class S>
+static inline void row_int_pair(const S* r0, const S* r1, const S* r2, const S* r3, int16_t* d0, int16_t* d1,
+                                int width, int count) {
+    row_int<K>(r0, r1, r2, d0, width, count);
+    row_int<K>(r1, r2, r3, d1, width, count);
 }
 
 // Horizontal difference with clamped columns; 0 on a one-column row.

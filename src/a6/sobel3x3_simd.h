@@ -86,6 +86,41 @@ void int_row(const S* up, const S* mid, const S* down, int16_t* dst, int width, 
     if (x < end) Ops::store(dst + end - 16, int_block<Ops, K>(up, mid, down, end - 16, c));
 }
 
+// Two output rows of a kernel that weighs three rows: the horizontal terms
+// of the two middle source rows serve both.
+template <class Ops, class K, class S>
+inline void int_block_pair(const S* r0, const S* r1, const S* r2, const S* r3, int16_t* d0, int16_t* d1, int x,
+                           typename Ops::Count count) {
+    auto h = [&](const S* r) {
+        return combine<Ops, K::h0, K::h1, K::h2>(Ops::load(r + x - 1), Ops::load(r + x), Ops::load(r + x + 1));
+    };
+    const typename Ops::V h1 = h(r1), h2 = h(r2);
+    typename Ops::V o0 = combine<Ops, K::v0, K::v1, K::v2>(h(r0), h1, h2);
+    typename Ops::V o1 = combine<Ops, K::v0, K::v1, K::v2>(h1, h2, h(r3));
+    if constexpr (K::shifted) {
+        o0 = Ops::shift(o0, count);
+        o1 = Ops::shift(o1, count);
+    }
+    Ops::store(d0 + x, o0);
+    Ops::store(d1 + x, o1);
+}
+
+template <class Ops, class K, class S>
+void int_row_pair(const S* r0, const S* r1, const S* r2, const S* r3, int16_t* d0, int16_t* d1, int width,
+                  int count) {
+    if (width < kIntSimdMinWidth) {
+        scalar::row_int_pair<K>(r0, r1, r2, r3, d0, d1, width, count);
+        return;
+    }
+    scalar::row_int_edges<K>(r0, r1, r2, d0, width, count);
+    scalar::row_int_edges<K>(r1, r2, r3, d1, width, count);
+    const typename Ops::Count c = Ops::count(count);
+    const int end = width - 1;
+    int x = 1;
+    for (; x <= end - 16; x += 16) int_block_pair<Ops, K>(r0, r1, r2, r3, d0, d1, x, c);
+    if (x < end) int_block_pair<Ops, K>(r0, r1, r2, r3, d0, d1, end - 16, c);
+}
+
 // Runs block(x) over columns 1 .. width-2 in steps of 8 (two per iteration),
 // the last block overlapping the previous one. width >= kFloatSimdMinWidth.
 template <class Block>
@@ -256,6 +291,10 @@ constexpr Sobel3x3Kernels make_kernels() {
         int_row<Ops, KernelDy, int8_t>,        int_row<Ops, KernelD2x, int8_t>,
         int_row<Ops, KernelD2y, int8_t>,       int_row<Ops, KernelDxDy, int8_t>,
         int_row<Ops, KernelScharrDx, int8_t>,  int_row<Ops, KernelScharrDy, int8_t>,
+        int_row_pair<Ops, KernelDx, uint8_t>,  int_row_pair<Ops, KernelD2x, uint8_t>,
+        int_row_pair<Ops, KernelD2y, uint8_t>, int_row_pair<Ops, KernelScharrDx, uint8_t>,
+        int_row_pair<Ops, KernelDx, int8_t>,   int_row_pair<Ops, KernelD2x, int8_t>,
+        int_row_pair<Ops, KernelD2y, int8_t>,  int_row_pair<Ops, KernelScharrDx, int8_t>,
         dx3_32f<FOps>,                         dx3x2_32f<FOps>,
         dx2_32f<FOps>,
         dy_32f<FOps>,                          dy4_32f<FOps>,
