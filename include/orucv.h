@@ -171,6 +171,84 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
                                                        Oru32f mhiDuration);
 
 /* ---- Fixed 3x3 derivative filters ---------------------------------------- */
+/* First and second derivatives of a one-channel image with fixed 3x3 Sobel
+ * and Scharr kernels. The destination region has the source's size; every
+ * neighbour beyond the region's edges is the nearest region pixel
+ * (replication on all four sides), so nothing outside the two regions is
+ * read or written. Source and destination must not overlap.
+ *
+ * With d = s(x+1) - s(x-1) and m = s(x-1) + 2 s(x) + s(x+1) along a row:
+ *   Dx   = d(y-1) + 2 d(y) + d(y+1)        D2x = [1 -2 1] across, [1 2 1] down
+ *   Dy   = m(y+1) - m(y-1)                 D2y = [1 2 1] across, [1 -2 1] down
+ *   DxDy = d(y+1) - d(y-1)
+ *   Scharr Dx = (3 d(y-1) + 10 d(y) + 3 d(y+1)) >> shift
+ *   Scharr Dy = (e(y+1) - e(y-1)) >> shift, e = 3 s(x-1) + 10 s(x) + 3 s(x+1)
+ * A one-column image has d = 0. origin 1 (rows stored bottom-up) gives the
+ * upper row minus the lower one, the negated y derivative.
+ *
+ * Scharr shift: integer results are the exact sums divided by 2^shift and
+ * rounded toward minus infinity (an arithmetic shift). Every count is
+ * accepted: from 13 on every result is 0 or -1 (the sign of the sum), so
+ * counts of 32 and more give 0 or -1 too, on every pixel. Float results use
+ * the weights 3k, 10k and 13k (edge rows and columns) with k = 1 / 2^shift,
+ * 2^shift formed by repeated doubling of 1.0f: from 128 on k is 0.
+ *
+ * Float sums are formed in single precision in one fixed order: first the
+ * row term of each source row (d, or m = (c0 s(x-1) + c1 s(x)) + c2 s(x+1)),
+ * then the rows: Dx = (c0 d(y-1) + c1 d(y)) + c2 d(y+1), Dy = m(y+1) - m(y-1).
+ * Replicated neighbours collapse into one weight: the first row or column
+ * uses big * (edge) + small * (next), the last small * (previous) + big *
+ * (edge), with (c0, c1, c2, big, small) = (1, 2, 1, 3, 1) for Sobel and
+ * (3k, 10k, 3k, 13k, 3k) for Scharr; a one-column row has m = 4 s (Sobel)
+ * or 16k s (Scharr) and d = 0.
+ *
+ * Checks, first failure returns (nothing is written on failure):
+ *   1. pSrc or pDst NULL: oruStsNullPointer;
+ *   2. srcStep or dstStep below 1: oruStsStep;
+ *   3. width below 1 or height below 2: oruStsSize;
+ *   4. 16-bit results: odd dstStep; float images: either step not a multiple
+ *      of 4: oruStsNotEvenStep (8-bit source steps may be any value);
+ *   5. origin not 0 or 1: oruStsBadArg;
+ *   6. shift negative: oruStsBadArg.
+ * oruiSobel3x3_D2y_8u16s_C1R alone also returns oruStsSize after step 4 when
+ * srcStep < width or dstStep < 2 * width. */
+ORUCV_API OruStatus oruiSobel3x3_Dx_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                              OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_Dy_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep, int origin,
+                                              OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_D2x_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                               OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_D2y_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                               OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_DxDy_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                                int origin, OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_Dx_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                              OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_Dy_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep, int origin,
+                                              OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_D2x_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                               OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_D2y_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                               OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_DxDy_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                                int origin, OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_Dx_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                            OruSize roiSize);
+ORUCV_API OruStatus oruiSobel3x3_Dy_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, int origin,
+                                            OruSize roiSize);
+ORUCV_API OruStatus oruiScharr_Dx_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                            OruSize roiSize, int shift);
+ORUCV_API OruStatus oruiScharr_Dy_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep, int origin,
+                                            OruSize roiSize, int shift);
+ORUCV_API OruStatus oruiScharr_Dx_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                            OruSize roiSize, int shift);
+ORUCV_API OruStatus oruiScharr_Dy_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep, int origin,
+                                            OruSize roiSize, int shift);
+ORUCV_API OruStatus oruiScharr_Dx_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                          OruSize roiSize, int shift);
+ORUCV_API OruStatus oruiScharr_Dy_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, int origin,
+                                          OruSize roiSize, int shift);
+
 
 /* ---- Canny edge detector -------------------------------------------------- */
 
