@@ -1,15 +1,14 @@
 // Flood fills, fixed range and gradient: check orders, regions and records
-// against breadth-first references, ramps and tolerance limits, tiny and
+// against a breadth-first reference, ramps and tolerance limits, tiny and
 // adversarial images with exactly the queried buffer, every path against
-// the scalar twin.
+// the scalar twin. Images and buffers sit in fenced memory: guard bytes,
+// poisoned under AddressSanitizer, so reads outside them fail there too.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <deque>
 #include <limits>
-#include <memory>
 #include <vector>
 
 #include "a6/floodfill.h"
@@ -33,49 +32,79 @@ namespace {
 const float kNaN = std::numeric_limits<float>::quiet_NaN();
 const float kInf = std::numeric_limits<float>::infinity();
 
-// Exactly the queried work buffer, misaligned by `offset`, followed by guard
-// bytes (poisoned under AddressSanitizer, so reads past the end fail too).
-class WorkBuffer {
+// Bytes of which only the opened ranges may be touched.
+class Fence {
 public:
-    WorkBuffer(OruSize roi, bool grad, int offset = 0) {
-        int bytes = -1;
-        EXPECT_EQ((grad ? oruiFloodFillGetSize_Grad : oruiFloodFillGetSize)(roi, &bytes), oruStsOk);
-        size_ = static_cast<size_t>(bytes);
-        storage_.assign(offset + size_ + kGuard, kGuardByte);
-        begin_ = storage_.data() + offset;
-        POISON(begin_ + size_, kGuard);
+    explicit Fence(size_t bytes) : bytes_(bytes + 128, kGuardByte) {}
+    ~Fence() { UNPOISON(bytes_.data(), bytes_.size()); }
+    uint8_t* at(size_t offset) { return bytes_.data() + 64 + offset; }
+    void open(size_t offset, size_t n) { open_.push_back({64 + offset, n}); }
+    void close() {
+        POISON(bytes_.data(), bytes_.size());
+        for (auto r : open_) UNPOISON(bytes_.data() + r.first, r.second);
     }
-    ~WorkBuffer() { UNPOISON(begin_ + size_, kGuard); }
-    Oru8u* data() { return begin_; }
-    bool guards_intact() {
-        UNPOISON(begin_ + size_, kGuard);
+    bool intact() {
+        UNPOISON(bytes_.data(), bytes_.size());
+        std::vector<char> open(bytes_.size(), 0);
+        for (auto r : open_) std::memset(&open[r.first], 1, r.second);
         bool ok = true;
-        for (size_t i = 0; i < kGuard; ++i) ok = ok && begin_[size_ + i] == kGuardByte;
-        POISON(begin_ + size_, kGuard);
+        for (size_t i = 0; i < bytes_.size(); ++i) ok = ok && (open[i] || bytes_[i] == kGuardByte);
+        close();
         return ok;
     }
 
 private:
-    static constexpr size_t kGuard = 64;
-    std::vector<uint8_t> storage_;
-    uint8_t* begin_;
-    size_t size_;
+    std::vector<uint8_t> bytes_;
+    std::vector<std::pair<size_t, size_t>> open_;
 };
 
-// A plain row-major image for the references.
+// Exactly the queried work buffer, misaligned by `offset`.
+struct WorkBuffer : Fence {
+    WorkBuffer(OruSize roi, bool grad, int offset = 0) : Fence(query(roi, grad) + 8), offset_(offset) {
+        open(offset, query(roi, grad));
+        close();
+    }
+    static size_t query(OruSize roi, bool grad) {
+        int bytes = -1;
+        EXPECT_EQ((grad ? oruiFloodFillGetSize_Grad : oruiFloodFillGetSize)(roi, &bytes), oruStsOk);
+        return static_cast<size_t>(bytes);
+    }
+    Oru8u* data() { return at(offset_); }
+    int offset_;
+};
+
+// A row-major image; the references work on these.
 template <class T>
 struct Plain {
     int w, h;
     std::vector<T> v;
     T& at(int x, int y) { return v[static_cast<size_t>(y) * w + x]; }
 };
+
+// A copy of a plain image with padded rows and a misaligned first pixel.
 template <class T>
-Plain<T> plain(const GuardedImage<T>& img) {
-    Plain<T> p{img.width(), img.height(), {}};
-    for (int y = 0; y < p.h; ++y)
-        for (int x = 0; x < p.w; ++x) p.v.push_back(img.at(x, y));
-    return p;
-}
+struct FencedImage : Fence {
+    FencedImage(const Plain<T>& src, Layout l = {8, 0})
+        : Fence(static_cast<size_t>(src.w * sizeof(T) + l.pad_bytes) * src.h + l.misalign_bytes), w_(src.w),
+          h_(src.h), step_(static_cast<int>(src.w * sizeof(T)) + l.pad_bytes), misalign_(l.misalign_bytes) {
+        for (int y = 0; y < src.h; ++y) {
+            std::memcpy(row(y), &src.v[static_cast<size_t>(y) * src.w], src.w * sizeof(T));
+            open(misalign_ + static_cast<size_t>(step_) * y, src.w * sizeof(T));
+        }
+        close();
+    }
+    uint8_t* row(int y) { return at(misalign_ + static_cast<size_t>(step_) * y); }
+    T* data() { return reinterpret_cast<T*>(row(0)); }
+    std::vector<T> pixels() {
+        std::vector<T> out(static_cast<size_t>(w_) * h_);
+        for (int y = 0; y < h_; ++y) std::memcpy(&out[static_cast<size_t>(y) * w_], row(y), w_ * sizeof(T));
+        return out;
+    }
+    int w_, h_, step_, misalign_;
+};
+
+template <class T>
+using Tol = typename std::conditional<sizeof(T) == 1, int, float>::type;
 
 bool same(Oru8u a, Oru8u b) { return a == b; }
 bool same(Oru32f a, Oru32f b) { return a == b || (std::isnan(a) && std::isnan(b)); }
@@ -85,27 +114,20 @@ bool near(Oru32f n, Oru32f c, float lo, float hi) {
     return !(std::fabs(d) > (lo + hi) * 0.5f) && std::isnan(n) == std::isnan(c);
 }
 
-struct Expected {
-    OruStatus status;
-    OruConnectedComp region;
-};
-
 // Breadth-first reference: fixed fills take neighbours equal to the seed,
 // gradient fills neighbours in range of the region pixel they are reached
 // from. Fills `img` and returns the record.
-template <class T, class Tol>
-OruConnectedComp reference(Plain<T>& img, OruPoint seed, bool eight, bool grad, T fill, Tol lo, Tol hi) {
+template <class T>
+OruConnectedComp reference(Plain<T>& img, OruPoint seed, bool eight, bool grad, T fill, Tol<T> lo, Tol<T> hi) {
     std::vector<char> in(img.v.size(), 0);
     const T seed_value = img.at(seed.x, seed.y);
     std::deque<OruPoint> queue{seed};
     in[static_cast<size_t>(seed.y) * img.w + seed.x] = 1;
-    int x0 = seed.x, x1 = seed.x, y0 = seed.y, y1 = seed.y;
+    OruRect r{seed.x, seed.y, seed.x, seed.y};  // corners while searching
     double area = 0;
-    while (!queue.empty()) {
+    for (; !queue.empty(); queue.pop_front(), ++area) {
         const OruPoint p = queue.front();
-        queue.pop_front();
-        ++area;
-        x0 = std::min(x0, p.x), x1 = std::max(x1, p.x), y0 = std::min(y0, p.y), y1 = std::max(y1, p.y);
+        r = {std::min(r.x, p.x), std::min(r.y, p.y), std::max(r.width, p.x), std::max(r.height, p.y)};
         for (int dy = -1; dy <= 1; ++dy)
             for (int dx = -1; dx <= 1; ++dx) {
                 const int x = p.x + dx, y = p.y + dy;
@@ -117,13 +139,10 @@ OruConnectedComp reference(Plain<T>& img, OruPoint seed, bool eight, bool grad, 
     }
     for (size_t i = 0; i < in.size(); ++i)
         if (in[i]) img.v[i] = fill;
-    return {area, static_cast<double>(fill), {x0, y0, x1 - x0 + 1, y1 - y0 + 1}};
+    return {area, static_cast<double>(fill), {r.x, r.y, r.width - r.x + 1, r.height - r.y + 1}};
 }
 
 // The eight fill functions behind one signature; fixed fills ignore lo, hi.
-template <class T>
-using Tol = typename std::conditional<sizeof(T) == 1, int, float>::type;
-
 template <class T>
 OruStatus run_fill(bool grad, bool eight, T* p, int step, OruSize roi, OruPoint seed, Tol<T> v, Tol<T> lo,
                    Tol<T> hi, OruConnectedComp* r, Oru8u* buf) {
@@ -143,42 +162,66 @@ OruStatus run_fill(bool grad, bool eight, T* p, int step, OruSize roi, OruPoint 
 void expect_region(const OruConnectedComp& a, const OruConnectedComp& b) {
     EXPECT_EQ(a.area, b.area);
     EXPECT_TRUE(same(static_cast<float>(a.value), static_cast<float>(b.value)));
-    EXPECT_EQ(a.rect.x, b.rect.x);
-    EXPECT_EQ(a.rect.y, b.rect.y);
-    EXPECT_EQ(a.rect.width, b.rect.width);
-    EXPECT_EQ(a.rect.height, b.rect.height);
+    EXPECT_EQ(std::memcmp(&a.rect, &b.rect, sizeof a.rect), 0)
+        << a.rect.x << "," << a.rect.y << " " << a.rect.width << "x" << a.rect.height;
 }
 
 // Fills a copy of `src` on every path with exactly the queried buffer and
-// compares image, record, guards with the reference.
+// compares image, record and fences with the reference.
 template <class T>
-void check_fill(const GuardedImage<T>& src, OruPoint seed, bool eight, bool grad, Tol<T> fill, Tol<T> lo = 0,
-                Tol<T> hi = 0, int buffer_offset = 0) {
-    const OruSize roi{src.width(), src.height()};
-    Plain<T> want = plain(src);
-    const OruConnectedComp want_region = reference<T, Tol<T>>(want, seed, eight, grad, static_cast<T>(fill), lo, hi);
+void check_fill(const Plain<T>& src, OruPoint seed, bool eight, bool grad, Tol<T> fill, Tol<T> lo = 0,
+                Tol<T> hi = 0, Layout layout = {8, 0}) {
+    const OruSize roi{src.w, src.h};
+    Plain<T> want = src;
+    const OruConnectedComp want_region = reference(want, seed, eight, grad, static_cast<T>(fill), lo, hi);
     expect_same_on_every_path([&] {
-        GuardedImage<T> img(src);
-        WorkBuffer buf(roi, grad, buffer_offset);
+        FencedImage<T> img(src, layout);
+        WorkBuffer buf(roi, grad, layout.misalign_bytes);
         OruConnectedComp region{};
-        EXPECT_EQ(run_fill<T>(grad, eight, img.data(), img.step(), roi, seed, fill, lo, hi, &region, buf.data()),
+        EXPECT_EQ(run_fill<T>(grad, eight, img.data(), img.step_, roi, seed, fill, lo, hi, &region, buf.data()),
                   oruStsOk);
-        EXPECT_TRUE(img.guards_intact());
-        EXPECT_TRUE(buf.guards_intact());
-        const std::vector<T> got = plain(img).v;
+        EXPECT_TRUE(img.intact() && buf.intact());
+        const std::vector<T> got = img.pixels();
         EXPECT_EQ(std::memcmp(got.data(), want.v.data(), got.size() * sizeof(T)), 0)
-            << "seed " << seed.x << "," << seed.y << (eight ? " 8" : " 4") << (grad ? " grad" : " fixed");
+            << src.w << "x" << src.h << " seed " << seed.x << "," << seed.y << (eight ? " 8" : " 4")
+            << (grad ? " grad" : " fixed");
         expect_region(region, want_region);
-        return img.region_bytes();
+        return std::vector<uint8_t>(reinterpret_cast<const uint8_t*>(got.data()),
+                                    reinterpret_cast<const uint8_t*>(got.data() + got.size()));
     });
 }
 
 template <class T>
-GuardedImage<T> random_image(int w, int h, uint64_t seed, int levels, int pad = 0, int misalign = 0) {
-    GuardedImage<T> img(w, h, 1, pad, misalign);
+Plain<T> random_image(int w, int h, uint64_t seed, int levels) {
+    Plain<T> img{w, h, std::vector<T>(static_cast<size_t>(w) * h)};
     Rng rng(seed);
+    for (T& p : img.v) p = static_cast<T>(rng.uniform(0, levels - 1));
+    return img;
+}
+
+// Images that keep many segments pending: combs (kind 0), checkerboards,
+// a spiral corridor with one-pixel walls, a serpentine.
+template <class T>
+Plain<T> adversarial(int kind, int w, int h) {
+    Plain<T> img{w, h, std::vector<T>(static_cast<size_t>(w) * h, T(200))};
     for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) img.at(x, y) = static_cast<T>(rng.uniform(0, levels - 1));
+        for (int x = 0; x < w; ++x) {
+            const bool on = kind == 0   ? y % 2 == 1 || x % 2 == 0
+                            : kind == 1 ? (x + y) % 2 == 0
+                                        : kind == 3 && (x % 4 != 1 || y == 0) && (x % 4 != 3 || y == h - 1);
+            if (on) img.at(x, y) = T(10);
+        }
+    if (kind == 2) {  // carved two steps at a time, turning clockwise
+        const int dx[] = {1, 0, -1, 0}, dy[] = {0, 1, 0, -1};
+        int x = 0, y = 0, d = 0, turns = 0;
+        for (img.at(0, 0) = T(10); turns < 2;) {
+            const int x2 = x + 2 * dx[d], y2 = y + 2 * dy[d];
+            if (x2 >= 0 && y2 >= 0 && x2 < w && y2 < h && img.at(x2, y2) != T(10))
+                img.at(x + dx[d], y + dy[d]) = img.at(x2, y2) = T(10), x = x2, y = y2, turns = 0;
+            else
+                d = (d + 1) % 4, ++turns;
+        }
+    }
     return img;
 }
 
@@ -191,20 +234,20 @@ TEST(FloodFillSize, ValuesAndChecks) {
     EXPECT_EQ(oruiFloodFillGetSize({5, 5}, nullptr), oruStsNullPointer);
     EXPECT_EQ(oruiFloodFillGetSize_Grad({5, 5}, nullptr), oruStsNullPointer);
     EXPECT_EQ(n, -1);
+    const unsigned big = (46341u * (24u * 46341u)) >> 2;
     const struct {
         OruSize roi;
-        int fixed, grad;
+        unsigned fixed, grad;
     } cases[] = {{{1, 1}, 6, 15},
                  {{1, 3}, 18, 33},
                  {{640, 480}, 1843200, 1843200 + 642 * 482},
-                 {{32768, 16384}, 0, static_cast<int>(32770u * 16386u)},  // 6 bytes per pixel wraps to 0
-                 {{46341, 46341}, static_cast<int>((46341u * (24u * 46341u)) >> 2),
-                  static_cast<int>(46343u * 46343u + ((46341u * (24u * 46341u)) >> 2))}};
+                 {{32768, 16384}, 0, 32770u * 16386u},  // 6 bytes per pixel wraps to 0
+                 {{46341, 46341}, big, 46343u * 46343u + big}};
     for (const auto& c : cases) {
         EXPECT_EQ(oruiFloodFillGetSize(c.roi, &n), oruStsOk);
-        EXPECT_EQ(n, c.fixed);
+        EXPECT_EQ(static_cast<unsigned>(n), c.fixed);
         EXPECT_EQ(oruiFloodFillGetSize_Grad(c.roi, &n), oruStsOk);
-        EXPECT_EQ(n, c.grad);
+        EXPECT_EQ(static_cast<unsigned>(n), c.grad);
     }
 }
 
@@ -212,327 +255,255 @@ TEST(FloodFillSize, ValuesAndChecks) {
 // a failed call leaves image, record and buffer as they were.
 template <class T>
 void check_order(bool grad, bool eight) {
-    GuardedImage<T> img(8, 4);
-    img.fill(T(3));
+    FencedImage<T> img(Plain<T>{8, 4, std::vector<T>(32, T(3))});
     WorkBuffer buf({8, 4}, grad);
-    OruConnectedComp region;
+    OruConnectedComp region, untouched;
     std::memset(&region, 0x5A, sizeof region);
-    const auto before = img.snapshot();
-    const int s = img.step();
-    auto call = [&](T* p, int step, OruSize roi, OruPoint seed, Tol<T> v, Tol<T> lo, Tol<T> hi,
-                    OruConnectedComp* r, Oru8u* b) { return run_fill<T>(grad, eight, p, step, roi, seed, v, lo, hi, r, b); };
+    std::memcpy(&untouched, &region, sizeof region);
+    const int s = img.step_;
     T* p = img.data();
     Oru8u* b = buf.data();
-    const OruSize roi{8, 4};
     const bool f = sizeof(T) == 4;
-    EXPECT_EQ(call(nullptr, s, {-1, -1}, {9, 9}, 300, -1, -1, &region, b), oruStsNullPointer);
-    EXPECT_EQ(call(p, s, roi, {0, 0}, 1, 0, 0, nullptr, b), oruStsNullPointer);
-    EXPECT_EQ(call(p, s, roi, {0, 0}, 1, 0, 0, &region, nullptr), oruStsNullPointer);
-    EXPECT_EQ(call(p, 0, {0, 4}, {9, 9}, 300, 0, 0, &region, b), oruStsStep);
-    EXPECT_EQ(call(p, -s, roi, {0, 0}, 1, 0, 0, &region, b), oruStsStep);
-    EXPECT_EQ(call(p, s + 2, {8, 0}, {9, 9}, 300, -1, 0, &region, b), oruStsSize);
-    EXPECT_EQ(call(p, s + 2, roi, {9, 9}, 300, -1, 0, &region, b), f ? oruStsNotEvenStep : oruStsOutOfRange);
+    auto call = [&](T* pp, int step, OruSize roi, OruPoint seed, Tol<T> v, Tol<T> lo, Tol<T> hi,
+                    OruConnectedComp* r = nullptr, Oru8u* bb = nullptr) {
+        return run_fill<T>(grad, eight, pp, step, roi, seed, v, lo, hi, r ? r : &region, bb ? bb : b);
+    };
+    const OruSize roi{8, 4};
+    EXPECT_EQ(call(nullptr, s, {-1, -1}, {9, 9}, 300, -1, -1), oruStsNullPointer);
+    EXPECT_EQ(run_fill<T>(grad, eight, p, s, roi, {0, 0}, 1, 0, 0, nullptr, b), oruStsNullPointer);
+    EXPECT_EQ(run_fill<T>(grad, eight, p, s, roi, {0, 0}, 1, 0, 0, &region, nullptr), oruStsNullPointer);
+    EXPECT_EQ(call(p, 0, {0, 4}, {9, 9}, 300, 0, 0), oruStsStep);
+    EXPECT_EQ(call(p, -s, roi, {0, 0}, 1, 0, 0), oruStsStep);
+    EXPECT_EQ(call(p, s + 2, {8, 0}, {9, 9}, 300, -1, 0), oruStsSize);
+    EXPECT_EQ(call(p, s + 2, roi, {9, 9}, 300, -1, 0), f ? oruStsNotEvenStep : oruStsOutOfRange);
     for (OruPoint out : {OruPoint{-1, 0}, OruPoint{8, 0}, OruPoint{0, -1}, OruPoint{0, 4}})
-        EXPECT_EQ(call(p, s, roi, out, 300, -1, 0, &region, b), oruStsOutOfRange);
+        EXPECT_EQ(call(p, s, roi, out, 300, -1, 0), oruStsOutOfRange);
     if (!f) {
-        EXPECT_EQ(call(p, s, roi, {7, 3}, 256, -1, 0, &region, b), oruStsBadArg);
-        EXPECT_EQ(call(p, s, roi, {7, 3}, -1, -1, 0, &region, b), oruStsBadArg);
+        EXPECT_EQ(call(p, s, roi, {7, 3}, 256, -1, 0), oruStsBadArg);
+        EXPECT_EQ(call(p, s, roi, {7, 3}, -1, -1, 0), oruStsBadArg);
     }
     if (grad) {
-        EXPECT_EQ(call(p, s, roi, {7, 3}, 1, -1, 0, &region, b), oruStsOutOfRange);
-        EXPECT_EQ(call(p, s, roi, {7, 3}, 1, 0, -1, &region, b), oruStsOutOfRange);
-        if (f) {
-            EXPECT_EQ(call(p, s, roi, {7, 3}, 1, 0, kNaN, &region, b), oruStsOutOfRange);
-            EXPECT_EQ(call(p, s, roi, {7, 3}, 1, -kNaN, 0, &region, b), oruStsOutOfRange);
-        } else {
-            EXPECT_EQ(call(p, s, roi, {7, 3}, 1, 200, 56, &region, b), oruStsOutOfRange);
-        }
+        EXPECT_EQ(call(p, s, roi, {7, 3}, 1, -1, 0), oruStsOutOfRange);
+        EXPECT_EQ(call(p, s, roi, {7, 3}, 1, 0, -1), oruStsOutOfRange);
+        EXPECT_EQ(call(p, s, roi, {7, 3}, 1, f ? -kNaN : 200, f ? 0 : 56), oruStsOutOfRange);
+        EXPECT_EQ(call(p, s, roi, {7, 3}, 1, 0, f ? kNaN : 256), oruStsOutOfRange);
     }
-    EXPECT_EQ(img.snapshot(), before);
-    EXPECT_TRUE(buf.guards_intact());
-    OruConnectedComp untouched;
-    std::memset(&untouched, 0x5A, sizeof untouched);
+    EXPECT_EQ(img.pixels(), std::vector<T>(32, T(3)));
+    EXPECT_TRUE(img.intact() && buf.intact());
     EXPECT_EQ(std::memcmp(&region, &untouched, sizeof region), 0);
     // The limits themselves pass.
-    EXPECT_EQ(call(p, s, roi, {7, 3}, f ? 1 : 255, grad ? 200 : 0, grad ? 55 : 0, &region, b), oruStsOk);
+    EXPECT_EQ(call(p, s, roi, {7, 3}, f ? 1 : 255, grad ? 200 : 0, grad ? 55 : 0), oruStsOk);
     if (f && grad) {
-        EXPECT_EQ(call(p, s, roi, {7, 3}, 1, -0.0f, kInf, &region, b), oruStsOk);
+        EXPECT_EQ(call(p, s, roi, {7, 3}, 2, -0.0f, kInf), oruStsOk);
     }
 }
 
 TEST(FloodFillChecks, OrderOfChecks) {
     for (bool grad : {false, true})
-        for (bool eight : {false, true}) {
-            check_order<Oru8u>(grad, eight);
-            check_order<Oru32f>(grad, eight);
-        }
+        for (bool eight : {false, true}) check_order<Oru8u>(grad, eight), check_order<Oru32f>(grad, eight);
 }
 
-// Fixed fills return at once when the seed already holds the new value;
-// gradient fills fill anyway.
-TEST(FloodFillValues, SeedAlreadyHoldsNewValue) {
-    for (bool eight : {false, true}) {
-        GuardedImage<Oru32f> img(6, 3);
-        img.fill(-0.0f);
-        WorkBuffer buf({6, 3}, false);
-        OruConnectedComp region;
-        std::memset(&region, 0x5A, sizeof region);
-        const OruConnectedComp untouched = region;
-        const auto before = img.snapshot();
-        EXPECT_EQ(run_fill<Oru32f>(false, eight, img.data(), img.step(), {6, 3}, {2, 1}, 0.0f, 0, 0, &region, buf.data()),
-                  oruStsOk);
-        img.at(4, 2) = kNaN;
-        const auto with_nan = img.snapshot();
-        EXPECT_EQ(run_fill<Oru32f>(false, eight, img.data(), img.step(), {6, 3}, {4, 2}, -kNaN, 0, 0, &region, buf.data()),
-                  oruStsOk);
-        EXPECT_EQ(img.snapshot(), with_nan);
-        img.at(4, 2) = -0.0f;
-        EXPECT_EQ(img.snapshot(), before);
-        EXPECT_EQ(std::memcmp(&region, &untouched, sizeof region), 0);
+// Regions so large that the buffer size wrapped around 32 bits and left no
+// room for the fill's bookkeeping are refused before anything is written.
+// (The pointers stand in for huge images: only the seed pixel is read.)
+TEST(FloodFillChecks, WrappedBufferSizes) {
+    Oru8u pixel = 7, buffer[16] = {};
+    OruConnectedComp region{};
+    EXPECT_EQ(oruiFloodFill_4Con_8u_C1IR(&pixel, 32768, {32768, 16384}, {0, 0}, 1, &region, buffer), oruStsError);
+    EXPECT_EQ(oruiFloodFill_Grad8Con_8u_C1IR(&pixel, 65534, {65534, 65534}, {0, 0}, 1, 1, 1, &region, buffer),
+              oruStsError);
+    EXPECT_EQ(pixel, 7);
+    EXPECT_EQ(region.area, 0.0);
+}
 
-        GuardedImage<Oru8u> g(6, 3);
-        g.fill(9);
-        WorkBuffer gbuf({6, 3}, true);
-        EXPECT_EQ(run_fill<Oru8u>(true, eight, g.data(), g.step(), {6, 3}, {2, 1}, 9, 0, 0, &region, gbuf.data()),
-                  oruStsOk);
-        expect_region(region, {18.0, 9.0, {0, 0, 6, 3}});
+// Fixed fills return at once when the seed already holds the new value
+// (floats: -0 is +0, NaN is NaN), writing nothing; gradient fills fill.
+TEST(FloodFillValues, SeedAlreadyHoldsNewValue) {
+    Plain<Oru32f> src{6, 3, std::vector<Oru32f>(18, -0.0f)};
+    src.at(4, 2) = kNaN;
+    FencedImage<Oru32f> img(src);
+    WorkBuffer buf({6, 3}, false);
+    OruConnectedComp region, untouched;
+    std::memset(&region, 0x5A, sizeof region);
+    std::memcpy(&untouched, &region, sizeof region);
+    for (bool eight : {false, true}) {
+        EXPECT_EQ(run_fill<Oru32f>(false, eight, img.data(), img.step_, {6, 3}, {2, 1}, 0.0f, 0, 0, &region, buf.data()), 0);
+        EXPECT_EQ(run_fill<Oru32f>(false, eight, img.data(), img.step_, {6, 3}, {4, 2}, -kNaN, 0, 0, &region, buf.data()), 0);
+        check_fill(Plain<Oru8u>{6, 3, std::vector<Oru8u>(18, 9)}, {2, 1}, eight, true, 9);
     }
+    EXPECT_EQ(std::memcmp(img.pixels().data(), src.v.data(), 18 * 4), 0);
+    EXPECT_TRUE(buf.intact());
+    EXPECT_EQ(std::memcmp(&region, &untouched, sizeof region), 0);
 }
 
 TEST(FloodFillRegions, UniformAndDiagonal) {
     for (bool grad : {false, true})
         for (bool eight : {false, true}) {
-            GuardedImage<Oru8u> img(13, 7);
-            img.fill(4);
+            Plain<Oru8u> img{13, 7, std::vector<Oru8u>(13 * 7, 4)};
             check_fill(img, {12, 6}, eight, grad, 200);
-            check_fill(img, {0, 0}, eight, grad, 200);
-            for (int i = 0; i < 7; ++i) img.at(i + 3, i) = 100;  // a diagonal in a different value
-            check_fill(img, {3, 0}, eight, grad, 7, 0, 0);
-            GuardedImage<Oru8u> copy(img);
-            WorkBuffer buf({13, 7}, grad);
-            OruConnectedComp r;
-            run_fill<Oru8u>(grad, eight, copy.data(), copy.step(), {13, 7}, {6, 3}, 7, 0, 0, &r, buf.data());
-            EXPECT_EQ(r.area, eight ? 7.0 : 1.0);
+            for (int i = 0; i < 7; ++i) img.at(i + 3, i) = 100;  // a diagonal line
+            check_fill(img, {3, 0}, eight, grad, 7);
+            Plain<Oru8u> filled = img;
+            EXPECT_EQ(reference(filled, {6, 3}, eight, grad, Oru8u(7), 0, 0).area, eight ? 7.0 : 1.0);
+            check_fill(img, {6, 3}, eight, grad, 7);
         }
 }
 
-// Random images of few values against the reference: every function, both
-// connectivities, widths around the block sizes, padded and misaligned rows.
+// Random images of few values: every function, both connectivities, every
+// width to 70, padded and misaligned rows, one-row and one-column images
+// (the rows around them are fenced: row -1 must not be read).
 TEST(FloodFillRegions, RandomAgainstReference) {
-    for (int w : {1, 2, 5, 15, 16, 17, 31, 33, 47, 64, 70})
-        for (int h : {1, 2, 9})
+    for (int w = 1; w <= 70; ++w)
+        for (int h : {1, 2, 9, w == 1 ? 40 : 3})
             for (const Layout& l : layouts_for(1)) {
                 const uint64_t s = w * 131 + h * 7 + l.pad_bytes;
-                const GuardedImage<Oru8u> a = random_image<Oru8u>(w, h, s, w > 16 ? 2 : 3, l.pad_bytes, l.misalign_bytes);
-                const GuardedImage<Oru32f> f = random_image<Oru32f>(w, h, s + 1, 2, 4 * l.pad_bytes, 4 * l.misalign_bytes);
+                const Plain<Oru8u> a = random_image<Oru8u>(w, h, s, w > 16 ? 2 : 3);
+                const Plain<Oru32f> f = random_image<Oru32f>(w, h, s + 1, 2);
+                const Layout lf{4 * l.pad_bytes, 4 * l.misalign_bytes};
                 const OruPoint seed{static_cast<int>(s % w), static_cast<int>(s / 3 % h)};
                 for (bool eight : {false, true}) {
-                    check_fill(a, seed, eight, false, 9, 0, 0, l.misalign_bytes);
-                    check_fill(f, seed, eight, false, 9.0f);
-                    check_fill(a, seed, eight, true, 5, 0, 1, 3);
-                    check_fill(f, seed, eight, true, 5.0f, 0.5f, 0.0f);
+                    check_fill(a, seed, eight, false, 9, 0, 0, l);
+                    check_fill(f, seed, eight, false, 9.0f, 0, 0, lf);
+                    check_fill(a, seed, eight, true, 5, 0, 1, l);
+                    check_fill(f, seed, eight, true, 5.0f, 0.5f, 0.0f, lf);
                 }
             }
 }
 
-// Gradients: smooth random surfaces with several tolerances.
+// Gradients: noisy slopes with several tolerances.
 TEST(FloodFillGradient, SmoothSurfaces) {
     for (int trial = 0; trial < 12; ++trial) {
         const int w = 20 + trial * 7, h = 11 + trial;
-        GuardedImage<Oru8u> a(w, h);
-        GuardedImage<Oru32f> f(w, h);
+        Plain<Oru8u> a{w, h, std::vector<Oru8u>(static_cast<size_t>(w) * h)};
+        Plain<Oru32f> f{w, h, std::vector<Oru32f>(a.v.size())};
         Rng rng(trial);
         for (int y = 0; y < h; ++y)
             for (int x = 0; x < w; ++x) {
                 const int v = (x * (trial + 3) + y * 5) / 4 + rng.uniform(0, 3);
-                a.at(x, y) = static_cast<Oru8u>(v & 255);
-                f.at(x, y) = static_cast<float>(v) * 0.37f;
+                a.at(x, y) = static_cast<Oru8u>(v & 255), f.at(x, y) = static_cast<float>(v) * 0.37f;
             }
-        const OruPoint seed{trial * 5 % w, trial % h};
         for (bool eight : {false, true}) {
-            check_fill(a, seed, eight, true, 1, trial % 4, 3 - trial % 4);
-            check_fill(f, seed, eight, true, -1.0f, 0.37f * (trial % 5), 0.74f);
+            check_fill(a, {trial * 5 % w, trial % h}, eight, true, 1, trial % 4, 3 - trial % 4);
+            check_fill(f, {trial * 5 % w, trial % h}, eight, true, -1.0f, 0.37f * (trial % 5), 0.74f);
         }
     }
 }
 
+// Ramps, tolerance limits and the float classes (NaN, infinities, -0).
 TEST(FloodFillGradient, RampsAndTolerances) {
-    GuardedImage<Oru8u> ramp(256, 3);
-    for (int y = 0; y < 3; ++y)
-        for (int x = 0; x < 256; ++x) ramp.at(x, y) = static_cast<Oru8u>(x);
+    Plain<Oru8u> ramp{256, 3, std::vector<Oru8u>(768)};
+    for (int i = 0; i < 768; ++i) ramp.v[i] = static_cast<Oru8u>(i % 256);
+    Plain<Oru32f> f{40, 2, std::vector<Oru32f>(80)};
+    for (int x = 0; x < 40; ++x) f.at(x, 0) = f.at(x, 1) = 0.1f * (x & ~1);
+    f.at(0, 1) = -0.0f;
+    f.at(20, 0) = f.at(21, 0) = kNaN, f.at(30, 1) = f.at(31, 1) = kInf, f.at(31, 0) = -kInf;
     for (bool eight : {false, true}) {
-        for (int sx : {0, 77, 255}) check_fill(ramp, {sx, 1}, eight, true, 0, 1, 1);
-        check_fill(ramp, {77, 1}, eight, true, 0, 0, 0);    // only the seed's column
-        check_fill(ramp, {77, 1}, eight, true, 0, 0, 1);    // rising steps only: rightwards
-        check_fill(ramp, {77, 1}, eight, true, 0, 1, 0);    // leftwards
-        check_fill(ramp, {77, 1}, eight, true, 0, 200, 55);  // everything
-    }
-    GuardedImage<Oru32f> f(40, 2);
-    for (int x = 0; x < 40; ++x) f.at(x, 0) = f.at(x, 1) = 0.1f * x;
-    f.at(20, 0) = kNaN, f.at(21, 0) = kNaN, f.at(30, 1) = kInf, f.at(31, 1) = kInf, f.at(31, 0) = -kInf;
-    for (bool eight : {false, true}) {
+        for (int sx : {0, 77, 255}) check_fill(ramp, {sx, 1}, eight, true, 0, 1, 1);  // everything
+        check_fill(ramp, {77, 1}, eight, true, 0, 0, 0);                              // the seed's column
+        check_fill(ramp, {77, 1}, eight, true, 0, 0, 1);                              // rightwards only
+        check_fill(ramp, {77, 1}, eight, true, 0, 1, 0);                              // leftwards only
+        check_fill(ramp, {77, 1}, eight, true, 0, 200, 55);
         check_fill(f, {0, 0}, eight, true, 7.0f, 0.1f, 0.1f);
         check_fill(f, {20, 0}, eight, true, 7.0f, 1.0f, 1.0f);  // NaNs reach NaNs only
         check_fill(f, {30, 1}, eight, true, 7.0f, 0.0f, 0.0f);  // inf - inf does not fail
         check_fill(f, {5, 1}, eight, true, 7.0f, kInf, kInf);
+        // Fixed fills: -0 joins 0, NaNs do not; a NaN seed takes NaNs.
+        check_fill(f, {1, 0}, eight, false, 1.0f);
+        check_fill(f, {20, 0}, eight, false, 0.0f);
+        check_fill(f, {1, 1}, eight, false, kNaN);
     }
 }
 
-TEST(FloodFillValues, FloatClasses) {
-    GuardedImage<Oru32f> f(9, 3);
-    f.fill(0.0f);
-    f.at(4, 1) = -0.0f, f.at(2, 0) = kNaN, f.at(2, 1) = -kNaN, f.at(7, 2) = kNaN;
-    for (bool eight : {false, true}) {
-        check_fill(f, {0, 0}, eight, false, 1.0f);   // -0 joins, NaNs do not
-        check_fill(f, {2, 0}, eight, false, 1.0f);   // a NaN seed takes NaNs
-        check_fill(f, {0, 0}, eight, false, kNaN);
-    }
-}
-
-// Tiny images: one pixel, one row (row -1 must not be read: the image is an
-// exact heap block), one column.
-TEST(FloodFillRegions, TinyImages) {
-    for (OruSize roi : {OruSize{1, 1}, OruSize{3, 1}, OruSize{1, 3}, OruSize{40, 1}, OruSize{1, 40}, OruSize{2, 2}})
-        for (bool grad : {false, true})
-            for (bool eight : {false, true}) {
-                const size_t n = static_cast<size_t>(roi.width) * roi.height;
-                std::unique_ptr<Oru8u[]> a(new Oru8u[n]);
-                std::unique_ptr<Oru32f[]> f(new Oru32f[n]);
-                for (size_t i = 0; i < n; ++i) a[i] = i % 7 == 3 ? 1 : 0, f[i] = a[i];
-                const OruPoint seed{roi.width - 1, roi.height / 2};
-                WorkBuffer ba(roi, grad, 1), bf(roi, grad, 2);
-                OruConnectedComp ra, rf;
-                EXPECT_EQ(run_fill<Oru8u>(grad, eight, a.get(), roi.width, roi, seed, 2, 0, 0, &ra, ba.data()), oruStsOk);
-                EXPECT_EQ(run_fill<Oru32f>(grad, eight, f.get(), roi.width * 4, roi, seed, 2, 0, 0, &rf, bf.data()),
-                          oruStsOk);
-                EXPECT_TRUE(ba.guards_intact() && bf.guards_intact());
-                expect_region(ra, {rf.area, 2.0, rf.rect});
-                GuardedImage<Oru8u> g(roi.width, roi.height);
-                for (size_t i = 0; i < n; ++i) g.at(static_cast<int>(i % roi.width), static_cast<int>(i / roi.width)) = i % 7 == 3;
-                check_fill(g, seed, eight, grad, 2);
-            }
-}
-
-// Inputs that need more segment records than the buffer holds: combs,
-// checkerboards, spirals. The kernels must report that they fell back to
-// the pending marks, and the result must still be the reference's.
-template <class T>
-GuardedImage<T> adversarial(int kind, int w, int h) {
-    std::vector<char> on(static_cast<size_t>(w) * h, 0);
-    auto at = [&](int x, int y) -> char& { return on[static_cast<size_t>(y) * w + x]; };
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            if (kind == 0) at(x, y) = y % 2 == 1 || x % 2 == 0;                             // comb
-            if (kind == 1) at(x, y) = (x + y) % 2 == 0;                                     // checkerboard
-            if (kind == 3) at(x, y) = (x % 4 != 1 || y == 0) && (x % 4 != 3 || y == h - 1);  // serpentine
-        }
-    if (kind == 2) {  // spiral corridor with one-pixel walls, carved two steps at a time
-        const int dx[] = {1, 0, -1, 0}, dy[] = {0, 1, 0, -1};
-        int x = 0, y = 0, d = 0, turns = 0;
-        at(0, 0) = 1;
-        while (turns < 2) {
-            const int x2 = x + 2 * dx[d], y2 = y + 2 * dy[d];
-            if (x2 >= 0 && y2 >= 0 && x2 < w && y2 < h && !at(x2, y2)) {
-                at(x + dx[d], y + dy[d]) = 1, at(x2, y2) = 1, x = x2, y = y2, turns = 0;
-            } else {
-                d = (d + 1) % 4, ++turns;
-            }
-        }
-    }
-    GuardedImage<T> img(w, h);
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) img.at(x, y) = static_cast<T>(at(x, y) ? 10 : 200);
-    return img;
+// Rows that overlap (a step below the row's bytes) are the caller's choice:
+// the fills stay inside the memory the rows span and agree on every path.
+TEST(FloodFillRegions, OverlappingRows) {
+    for (bool grad : {false, true})
+        for (bool eight : {false, true})
+            expect_same_on_every_path([&] {
+                FencedImage<Oru8u> img(random_image<Oru8u>(39, 1, eight + 2 * grad, 2));
+                WorkBuffer buf({12, 10}, grad);
+                OruConnectedComp r;
+                EXPECT_EQ(run_fill<Oru8u>(grad, eight, img.data(), 3, {12, 10}, {4, 5}, 9, 1, 1, &r, buf.data()), 0);
+                EXPECT_TRUE(img.intact() && buf.intact());
+                return img.pixels();
+            });
 }
 
 namespace {
 
-// Runs a kernel directly with `bytes` of buffer (followed by guards) and
-// checks the result against the reference (the fill value 5 is never
-// the seed's, as the wrappers make sure); returns how often the pending
-// marks had to be collected.
+// Runs a kernel directly with `bytes` of buffer and checks it against the
+// reference (fill value 5, never the seed's, as the wrappers make sure);
+// returns how often the pending marks had to be collected. bytes 0: the
+// queried size; -1: only the room for the pending marks.
 template <class T>
-int run_kernel(const GuardedImage<T>& src, OruPoint seed, bool eight, bool grad, uint32_t bytes) {
-    GuardedImage<T> img(src);
-    const OruSize roi{img.width(), img.height()};
-    std::vector<Oru8u> buf(bytes + 64, kGuardByte);
+int run_kernel(const Plain<T>& src, OruPoint seed, bool eight, bool grad, int bytes) {
+    const OruSize roi{src.w, src.h};
+    if (bytes == 0) bytes = static_cast<int>(WorkBuffer::query(roi, grad));
+    if (bytes < 0) bytes = grad ? (src.w + 2) * (src.h + 2) : (src.w + 7) / 8 * src.h;
+    FencedImage<T> img(src);
+    Fence buf(bytes);
+    buf.open(0, bytes);
+    buf.close();
     const auto& k = orucv::a6::floodfill_kernels();
     orucv::a6::FillResult r;
     if (grad) {
-        orucv::a6::GradJob<T, Tol<T>> job{img.data(), img.step(), roi.width, roi.height, seed.x, seed.y, T(5),
-                                          0, 0, buf.data(), bytes, {}};
-        if constexpr (sizeof(T) == 1) k.grad_8u[eight](job);
-        else k.grad_32f[eight](job);
-        r = job.result;
+        orucv::a6::GradJob<T, Tol<T>> job{img.data(), img.step_, src.w, src.h, seed.x, seed.y, T(5),
+                                          0,          0,         buf.at(0), static_cast<uint32_t>(bytes), {}};
+        if constexpr (sizeof(T) == 1) k.grad_8u[eight](job), r = job.result;
+        else k.grad_32f[eight](job), r = job.result;
     } else {
-        orucv::a6::FillJob<T> job{img.data(), img.step(), roi.width, roi.height, seed.x, seed.y, T(5),
-                                  buf.data(), bytes, {}};
-        if constexpr (sizeof(T) == 1) k.fill_8u[eight](job);
-        else k.fill_32f[eight](job);
-        r = job.result;
+        orucv::a6::FillJob<T> job{img.data(), img.step_, src.w, src.h, seed.x, seed.y, T(5),
+                                  buf.at(0), static_cast<uint32_t>(bytes), {}};
+        if constexpr (sizeof(T) == 1) k.fill_8u[eight](job), r = job.result;
+        else k.fill_32f[eight](job), r = job.result;
     }
-    Plain<T> want = plain(src);
-    const OruConnectedComp w = reference<T, Tol<T>>(want, seed, eight, grad, T(5), 0, 0);
-    EXPECT_TRUE(plain(img).v == want.v);
+    Plain<T> want = src;
     expect_region({static_cast<double>(r.area), 5.0, {r.min_x, r.min_y, r.max_x - r.min_x + 1, r.max_y - r.min_y + 1}},
-                  w);
-    for (size_t i = bytes; i < buf.size(); ++i) EXPECT_EQ(buf[i], kGuardByte);
+                  reference(want, seed, eight, grad, T(5), 0, 0));
+    EXPECT_TRUE(img.pixels() == want.v);
+    EXPECT_TRUE(img.intact() && buf.intact());
     return r.collections;
-}
-
-template <class T>
-int queried(const GuardedImage<T>& img, OruPoint seed, bool eight, bool grad) {
-    int bytes = 0;
-    (grad ? oruiFloodFillGetSize_Grad : oruiFloodFillGetSize)({img.width(), img.height()}, &bytes);
-    return run_kernel(img, seed, eight, grad, static_cast<uint32_t>(bytes));
-}
-
-// Only the pending marks' room: the bitmap, or the gradient fill's mask.
-template <class T>
-int starved(const GuardedImage<T>& img, OruPoint seed, bool eight, bool grad) {
-    const int w = img.width(), h = img.height();
-    const uint32_t bytes = static_cast<uint32_t>(grad ? (w + 2) * (h + 2) : (w + 7) / 8 * h);
-    return run_kernel(img, seed, eight, grad, bytes);
 }
 
 }  // namespace
 
+// Inputs that need more segment records than fit: the fill falls back to
+// its pending marks and still finds the reference's region.
 TEST(FloodFillOverflow, AdversarialImages) {
     for (int kind = 0; kind < 4; ++kind)
         for (OruSize roi : {OruSize{3, 1}, OruSize{5, 3}, OruSize{64, 3}, OruSize{70, 41}, OruSize{301, 97}})
             for (bool grad : {false, true})
                 for (bool eight : {false, true}) {
-                    const GuardedImage<Oru8u> a = adversarial<Oru8u>(kind, roi.width, roi.height);
-                    const GuardedImage<Oru32f> f = adversarial<Oru32f>(kind, roi.width, roi.height);
-                    check_fill(a, {0, 0}, eight, grad, 1, 0, 0, 1);
-                    check_fill(f, {0, 0}, eight, grad, 1.0f, 0.0f, 0.0f, 2);
+                    check_fill(adversarial<Oru8u>(kind, roi.width, roi.height), {0, 0}, eight, grad, 1, 0, 0, {0, 1});
+                    check_fill(adversarial<Oru32f>(kind, roi.width, roi.height), {0, 0}, eight, grad, 1.0f, 0.0f, 0.0f,
+                               {4, 4});
                 }
     // Wide, short combs need one record per tooth, more than the queried
     // buffer holds.
     for (bool grad : {false, true})
         for (bool eight : {false, true}) {
-            EXPECT_GT(queried(adversarial<Oru8u>(0, 301, 3), {0, 1}, eight, grad), 0);
-            EXPECT_GT(queried(adversarial<Oru32f>(0, 64, 3), {0, 0}, eight, grad), 0);
+            EXPECT_GT(run_kernel(adversarial<Oru8u>(0, 301, 3), {0, 1}, eight, grad, 0), 0);
+            EXPECT_GT(run_kernel(adversarial<Oru32f>(0, 64, 3), {0, 0}, eight, grad, 0), 0);
         }
 }
 
 // With no room for records beyond the fill's own few, the pending marks
-// carry the fill; every path still finds the reference's region.
+// carry the fill, on every path.
 TEST(FloodFillOverflow, StarvedBuffer) {
     for (auto level : available_levels()) {
         ScopedSimdLevel scoped(level);
         for (bool grad : {false, true})
             for (bool eight : {false, true}) {
-                EXPECT_GT(starved(adversarial<Oru8u>(0, 97, 41), {0, 0}, eight, grad), 0);
-                EXPECT_GT(starved(adversarial<Oru32f>(0, 45, 40), {0, 0}, eight, grad), 0);
+                EXPECT_GT(run_kernel(adversarial<Oru8u>(0, 97, 41), {0, 0}, eight, grad, -1), 0);
+                EXPECT_GT(run_kernel(adversarial<Oru32f>(0, 45, 40), {0, 0}, eight, grad, -1), 0);
                 for (int kind = 1; kind < 4; ++kind) {
-                    starved(adversarial<Oru8u>(kind, 97, 41), {0, 0}, eight, grad);
-                    starved(adversarial<Oru32f>(kind, 45, 40), {0, 0}, eight, grad);
+                    run_kernel(adversarial<Oru8u>(kind, 97, 41), {0, 0}, eight, grad, -1);
+                    run_kernel(adversarial<Oru32f>(kind, 45, 40), {0, 0}, eight, grad, -1);
                 }
                 for (int trial = 0; trial < 6; ++trial) {
                     const int w = 1 + trial * 13, h = 1 + trial * 9;
-                    starved(random_image<Oru8u>(w, h, trial, 2), {w / 2, h / 2}, eight, grad);
-                    starved(random_image<Oru32f>(w, h, trial + 9, 2), {0, h - 1}, eight, grad);
+                    run_kernel(random_image<Oru8u>(w, h, trial, 2), {w / 2, h / 2}, eight, grad, -1);
+                    run_kernel(random_image<Oru32f>(w, h, trial + 9, 2), {0, h - 1}, eight, grad, -1);
                 }
             }
     }
