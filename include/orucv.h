@@ -223,11 +223,12 @@ ORUCV_API OruStatus oruiDistanceTransform_5x5_8u32f_C1R(const Oru8u* pSrc, int s
  * (oruStsSize); 32f: imageStep not a multiple of 4 (oruStsNotEvenStep); seed
  * outside the region (oruStsOutOfRange); 8u: newVal outside 0..255
  * (oruStsBadArg); gradient fills: a negative (or NaN) tolerance, and for 8u a
- * tolerance sum above 255 (oruStsOutOfRange). A region so large that its
- * wrapped buffer size leaves less than the fill's bookkeeping needs (1 bit
- * per pixel, or the gradient fill's byte mask) is refused with oruStsError.
- * On success *pRegion receives the filled area, newVal and the bounding
- * rectangle of the filled pixels. */
+ * tolerance sum above 255 (oruStsOutOfRange). After these checks, a region
+ * so large that its wrapped buffer size leaves less than the fill's
+ * bookkeeping needs (1 bit per pixel, or the gradient fill's byte mask) is
+ * refused with oruStsError. On success *pRegion receives the filled area,
+ * newVal and the bounding rectangle of the filled pixels. Any buffer
+ * contents are scratch. */
 
 /* Result of every flood fill. */
 typedef struct OruConnectedComp {
