@@ -285,6 +285,73 @@ ORUCV_API OruStatus oruiDistanceTransform_5x5_8u32f_C1R(const Oru8u* pSrc, int s
                                                         OruSize roiSize, const Oru32f* pMetrics);
 
 /* ---- Flood fill ------------------------------------------------------------ */
+/* Seeded in-place fills of one-channel images. A fill works in a caller
+ * buffer whose size comes from its size query; the buffer's size is never
+ * checked against the region, and no input makes a fill touch memory outside
+ * the image's rows and that buffer.
+ *
+ * Size queries: width or height below 1 (oruStsSize), then pBufSize null
+ * (oruStsNullPointer); nothing is written on failure. The sizes are computed
+ * in unsigned 32-bit arithmetic (6 bytes per pixel, plus (width + 2) x
+ * (height + 2) bytes for the gradient fills); for regions of more than about
+ * 178 million pixels they wrap around.
+ *
+ * Fill checks, first failure wins: pImage, pRegion or pBuffer null
+ * (oruStsNullPointer); imageStep < 1 (oruStsStep); width or height < 1
+ * (oruStsSize); 32f: imageStep not a multiple of 4 (oruStsNotEvenStep); seed
+ * outside the region (oruStsOutOfRange); 8u: newVal outside 0..255
+ * (oruStsBadArg); gradient fills: a negative (or NaN) tolerance, and for 8u a
+ * tolerance sum above 255 (oruStsOutOfRange). After these checks, a region
+ * so large that its wrapped buffer size leaves less than the fill's
+ * bookkeeping needs (1 bit per pixel, or the gradient fill's byte mask) is
+ * refused with oruStsError. On success *pRegion receives the filled area,
+ * newVal and the bounding rectangle of the filled pixels. Any buffer
+ * contents are scratch. */
+
+/* Result of every flood fill. */
+typedef struct OruConnectedComp {
+    Oru64f area;  /* number of filled pixels */
+    Oru64f value; /* the new value */
+    OruRect rect; /* bounding rectangle of the filled pixels */
+} OruConnectedComp;
+
+/* Fixed range: every pixel connected to the seed (4- or 8-connectivity)
+ * through pixels equal to the seed's value is set to newVal. For 32f, values
+ * compare as floats (-0.0 equals +0.0) and NaNs form one class: a NaN seed
+ * fills the NaN pixels connected to it, other seeds never take NaN pixels.
+ * When the seed pixel already holds newVal (in that sense) the call returns
+ * oruStsOk at once and writes nothing, pRegion included. */
+ORUCV_API OruStatus oruiFloodFillGetSize(OruSize roiSize, int* pBufSize);
+ORUCV_API OruStatus oruiFloodFill_4Con_8u_C1IR(Oru8u* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                               int newVal, OruConnectedComp* pRegion, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiFloodFill_8Con_8u_C1IR(Oru8u* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                               int newVal, OruConnectedComp* pRegion, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiFloodFill_4Con_32f_C1IR(Oru32f* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                                Oru32f newVal, OruConnectedComp* pRegion, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiFloodFill_8Con_32f_C1IR(Oru32f* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                                Oru32f newVal, OruConnectedComp* pRegion, Oru8u* pBuffer);
+
+/* Gradient: a pixel joins the region when its value n is in range of an
+ * adjacent pixel c already in it, c - minDelta <= n <= c + maxDelta (for
+ * 32f tested as |n + h - c| <= w with h = (minDelta - maxDelta) / 2 and
+ * w = (minDelta + maxDelta) / 2 in single precision; NaNs are only in range
+ * of NaNs). Every edge out of the region is tested against the original
+ * values, so the region is the set of pixels reachable from the seed through
+ * in-range steps. All of it is set to newVal, also when the seed already
+ * holds newVal. */
+ORUCV_API OruStatus oruiFloodFillGetSize_Grad(OruSize roiSize, int* pBufSize);
+ORUCV_API OruStatus oruiFloodFill_Grad4Con_8u_C1IR(Oru8u* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                                   int newVal, int minDelta, int maxDelta,
+                                                   OruConnectedComp* pRegion, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiFloodFill_Grad8Con_8u_C1IR(Oru8u* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                                   int newVal, int minDelta, int maxDelta,
+                                                   OruConnectedComp* pRegion, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiFloodFill_Grad4Con_32f_C1IR(Oru32f* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                                    Oru32f newVal, Oru32f minDelta, Oru32f maxDelta,
+                                                    OruConnectedComp* pRegion, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiFloodFill_Grad8Con_32f_C1IR(Oru32f* pImage, int imageStep, OruSize roiSize, OruPoint seed,
+                                                    Oru32f newVal, Oru32f minDelta, Oru32f maxDelta,
+                                                    OruConnectedComp* pRegion, Oru8u* pBuffer);
 
 /* ---- Gaussian pyramids ----------------------------------------------------- */
 
