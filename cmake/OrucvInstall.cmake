@@ -15,6 +15,9 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/orucvConfigVersion.
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orucvConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/orucvConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/orucv)
 
+# The pkg-config file finds its prefix relative to itself, so an install
+# into any --prefix works.
+file(RELATIVE_PATH ORUCV_PC_TO_PREFIX "/root/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/root")
 configure_file(cmake/orucv.pc.in ${CMAKE_CURRENT_BINARY_DIR}/orucv.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orucv.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 if(ORUCV_BUILD_TOOLS)

@@ -175,6 +175,36 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
 /* ---- Canny edge detector -------------------------------------------------- */
 
 /* ---- Chamfer distance transform ------------------------------------------- */
+/* Every pixel of the float destination receives the chamfer distance to the
+ * nearest source pixel equal to 0 (a feature, distance 0), computed by a
+ * forward and a backward raster pass over the region. Step weights:
+ * pMetrics[0] = a for a horizontal or vertical step, pMetrics[1] = b for a
+ * diagonal step, pMetrics[2] = c for a knight step (1, 2) (5x5 only). The
+ * weights are rounded to units of 2^-18 (nearest, ties to even) and the
+ * passes add them in 32-bit integers (wrapping, signed comparisons); a pixel
+ * that no feature reaches keeps 1073741823 units, which reads 4096.0. Each
+ * result is the integer distance converted to float times 2^-18. The
+ * destination rows serve as the integer work image: no scratch buffer.
+ * Checks: pSrc, pDst or pMetrics null (oruStsNullPointer); then a negative
+ * width or height, srcStep < width, dstStep < 4 * width or not a multiple of
+ * 4 (all oruStsSize). A zero width or height returns oruStsOk and touches
+ * no memory. The weights are not checked. */
+
+/* Writes the weights of a standard mask. maskType = 10 * mask size + norm:
+ *   30  3x3 chessboard  a = 1, b = 1
+ *   31  3x3 city block  a = 1, b = 2
+ *   32  3x3 Euclidean   a = 0.955, b = 1.3693
+ *   52  5x5 Euclidean   a = 1, b = 1.4, c = 2.1969
+ * Checks: pMetrics null (oruStsNullPointer); any other code, 50 and 51
+ * included (oruStsOutOfRange, nothing written). */
+ORUCV_API OruStatus oruiGetDistanceTransformMask(int maskType, Oru32f* pMetrics);
+/* 3x3 mask: the eight neighbours, weights a and b. */
+ORUCV_API OruStatus oruiDistanceTransform_3x3_8u32f_C1R(const Oru8u* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                        OruSize roiSize, const Oru32f* pMetrics);
+/* 5x5 mask: the eight neighbours plus the eight knight steps, weights a, b
+ * and c. */
+ORUCV_API OruStatus oruiDistanceTransform_5x5_8u32f_C1R(const Oru8u* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                        OruSize roiSize, const Oru32f* pMetrics);
 
 /* ---- Flood fill ------------------------------------------------------------ */
 

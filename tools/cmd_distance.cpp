@@ -1,0 +1,90 @@
+// Chamfer distance transforms on the scene's edges and on files.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "cli.h"
+#include "orucv.h"
+
+namespace orucv_tool {
+namespace {
+
+struct Mask {
+    int size;  // 3 or 5
+    int code;  // for oruiGetDistanceTransformMask
+    const char* name;
+};
+
+Mask parse_mask(const Args& args) {
+    for (const auto& option : args.options)
+        if (option.first != "--mask" && option.first != "--metric") throw ToolError("unknown option " + option.first);
+    const int size = args.get_int("--mask", 3);
+    if (size != 3 && size != 5) throw ToolError("--mask takes 3 or 5");
+    const std::string metric = args.get("--metric", "l2");
+    const int norm = metric == "c" ? 0 : metric == "l1" ? 1 : metric == "l2" ? 2 : -1;
+    if (norm < 0) throw ToolError("--metric takes c (chessboard), l1 (city block) or l2 (Euclidean), not '" + metric + "'");
+    if (size == 5 && norm != 2) throw ToolError("the 5x5 mask exists for the l2 metric only");
+    static const char* const names[] = {"chessboard", "city block", "Euclidean"};
+    return {size, size * 10 + norm, names[norm]};
+}
+
+// Distance of every pixel to the nearest zero pixel of `features`.
+FloatImage distance_map(const Image& features, const Mask& mask, double* ms) {
+    Oru32f metrics[3] = {0, 0, 0};
+    check_status(oruiGetDistanceTransformMask(mask.code, metrics), "oruiGetDistanceTransformMask");
+    FloatImage out(features.width, features.height);
+    const OruSize roi{features.width, features.height};
+    auto fn = mask.size == 5 ? oruiDistanceTransform_5x5_8u32f_C1R : oruiDistanceTransform_3x3_8u32f_C1R;
+    int status = 0;
+    *ms = time_ms([&] {
+        status = fn(features.pixels.data(), features.step(), out.data(), out.step_bytes(), roi, metrics);
+    });
+    check_status(status, mask.size == 5 ? "oruiDistanceTransform_5x5_8u32f_C1R" : "oruiDistanceTransform_3x3_8u32f_C1R");
+    return out;
+}
+
+// A stand-in edge map: 0 where the central-difference gradient magnitude
+// (|dx| + |dy|) reaches the threshold, 255 elsewhere.
+Image gradient_edges(const Image& gray, int threshold) {
+    Image out(gray.width, gray.height, 1, 255);
+    for (int y = 1; y + 1 < gray.height; ++y)
+        for (int x = 1; x + 1 < gray.width; ++x) {
+            const int dx = gray.at(x + 1, y) - gray.at(x - 1, y), dy = gray.at(x, y + 1) - gray.at(x, y - 1);
+            if (std::abs(dx) + std::abs(dy) >= threshold) out.at(x, y) = 0;
+        }
+    return out;
+}
+
+void demo_distance(DemoContext& demo) {
+    const Image edges = gradient_edges(demo.frame(0), 40);
+    demo.save("distance-edges.png", edges, "(input)", 0.0, "gradient edges of frame 0, features in black");
+    const Mask mask{5, 52, "Euclidean"};
+    double ms = 0;
+    const FloatImage map = distance_map(edges, mask, &ms);
+    demo.save("distance.png", scale_to_8u(map), "oruiDistanceTransform_5x5_8u32f_C1R", ms,
+              "5x5 Euclidean distance to the edges, scaled");
+}
+ORUCV_DEMO_STEP(60, "chamfer distance transform", demo_distance);
+
+int run_distance(const Args& args) {
+    if (args.positional.size() != 2) throw ToolError("usage: orucv distance IN OUT [--mask 3|5] [--metric c|l1|l2]");
+    const Mask mask = parse_mask(args);
+    const Image in = to_gray(read_image(args.positional[0]));
+    double ms = 0;
+    const FloatImage map = distance_map(in, mask, &ms);
+    const bool any_feature = std::find(in.pixels.begin(), in.pixels.end(), 0) != in.pixels.end();
+    const float largest = map.pixels.empty() ? 0.0f : *std::max_element(map.pixels.begin(), map.pixels.end());
+    write_image(args.positional[1], scale_to_8u(map, 0.0f, largest > 0 ? largest : 1.0f));
+    std::printf("%s: %dx%d, %dx%d %s mask, largest distance %g%s, %.3f ms\n", args.positional[1].c_str(), in.width,
+                in.height, mask.size, mask.size, mask.name, largest,
+                any_feature ? "" : " (no zero pixel: every distance is 4096)", ms);
+    return 0;
+}
+ORUCV_COMMAND("distance",
+              "IN OUT [--mask 3|5] [--metric c|l1|l2]   distance of every pixel to the nearest zero pixel of IN "
+              "(as gray), scaled so that black is 0 and white the largest distance (default 3x3 l2; 5x5 is l2 only)",
+              run_distance);
+
+}  // namespace
+}  // namespace orucv_tool
