@@ -65,6 +65,7 @@ inline void block16(const S* s1, const S* s2, const uint8_t* mask, float* acc, _
         if constexpr (!kFloat<S> && op != AccumOp::Weighted) {
             unselected8 = _mm_cmpeq_epi8(load16(mask), _mm_setzero_si128());
         } else {
+            #pragma GCC unroll 2
             for (int k = 0; k < 2; ++k)
                 unselected[k] = _mm256_castsi256_ps(
                     _mm256_cmpeq_epi32(_mm256_cvtepu8_epi32(load8(mask + 8 * k)), _mm256_setzero_si256()));
@@ -73,6 +74,7 @@ inline void block16(const S* s1, const S* s2, const uint8_t* mask, float* acc, _
     // Addends, or the source values of the weighted average.
     __m256 v[2];
     if constexpr (kFloat<S>) {
+        #pragma GCC unroll 2
         for (int k = 0; k < 2; ++k) {
             __m256 x = _mm256_loadu_ps(s1 + 8 * k);
             if constexpr (op == AccumOp::Square) x = _mm256_mul_ps(x, x);
@@ -97,6 +99,7 @@ inline void block16(const S* s1, const S* s2, const uint8_t* mask, float* acc, _
         v[0] = float_from_16<S>(_mm256_castsi256_si128(w));
         v[1] = float_from_16<S>(_mm256_extracti128_si256(w, 1));
     }
+    #pragma GCC unroll 2
     for (int k = 0; k < 2; ++k) {
         const __m256 a = _mm256_loadu_ps(acc + 8 * k);
         if constexpr (op == AccumOp::Weighted) {

@@ -73,6 +73,7 @@ inline void block16(const S* s1, const S* s2, const uint8_t* mask, float* acc, _
     // Addends, or the source values of the weighted average.
     __m128 v[4];
     if constexpr (kFloat<S>) {
+        #pragma GCC unroll 4
         for (int k = 0; k < 4; ++k) {
             __m128 x = _mm_loadu_ps(s1 + 4 * k);
             if constexpr (op == AccumOp::Square) x = _mm_mul_ps(x, x);
@@ -98,6 +99,7 @@ inline void block16(const S* s1, const S* s2, const uint8_t* mask, float* acc, _
         widen_16_float<S>(lo, v[0], v[1]);
         widen_16_float<S>(hi, v[2], v[3]);
     }
+    #pragma GCC unroll 4
     for (int k = 0; k < 4; ++k) {
         const __m128 a = _mm_loadu_ps(acc + 4 * k);
         if constexpr (op == AccumOp::Weighted) {
