@@ -10,6 +10,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "orucv.h"
@@ -146,6 +147,16 @@ static inline float addend(S a, S b) {
     }
 }
 
+// v where the pixel is selected, +0.0 where not: a bitwise selection, so
+// that random masks cost no mispredicted branches.
+static inline float keep_if(bool selected, float v) {
+    uint32_t b;
+    std::memcpy(&b, &v, sizeof b);
+    b &= 0u - static_cast<uint32_t>(selected);
+    std::memcpy(&v, &b, sizeof v);
+    return v;
+}
+
 // Pixels [from, to) of one row. An unselected pixel gets the addend +0.0
 // (so -0.0 becomes +0.0), or the weight 0.0 in the weighted average (so an
 // infinite or NaN difference makes it NaN): the masked kernels select, they
@@ -159,11 +170,10 @@ static inline void accum_span(const void* src1, const void* src2, const uint8_t*
         const bool selected = !kMasked || mask[i] != 0;
         const float a = acc[i];
         if constexpr (op == AccumOp::Weighted) {
-            const float weight = selected ? alpha : 0.0f;
-            acc[i] = add_first(a, mul_first(to_float(s1[i]) - a, weight));
+            acc[i] = add_first(a, mul_first(to_float(s1[i]) - a, keep_if(selected, alpha)));
         } else {
-            const float add = selected ? addend<op>(s1[i], op == AccumOp::Product ? s2[i] : s1[i]) : 0.0f;
-            acc[i] = add_first(a, add);
+            const float add = addend<op>(s1[i], op == AccumOp::Product ? s2[i] : s1[i]);
+            acc[i] = add_first(a, keep_if(selected, add));
         }
     }
 }
