@@ -212,8 +212,9 @@ TEST(AccumValues, DocumentedCases) {
 }
 
 // Every function on every path: widths around the vector sizes, tight rows
-// (recast into one), padded rows and misaligned pointers, random masks and
-// special floats, against the model and the scalar twin.
+// (recast into one long row) and padded rows (row by row), misaligned
+// pointers, random masks and special floats, against the model and the
+// scalar twin.
 TEST(AccumPaths, EveryFunctionAgainstModel) {
     const float alphas[] = {0.25f, 0.0f, 1.0f, 2.0f, -0.5f, kNaN, kInf};
     for (const Function& fn : kFunctions)
@@ -252,30 +253,4 @@ TEST(AccumPaths, EveryFunctionAgainstModel) {
                     return acc.region_bytes();
                 });
             }
-}
-
-// A contiguous region is recast into one row; the result equals row-by-row
-// calls, on widths that leave SIMD tails in every row.
-TEST(AccumPaths, RecastMatchesRowByRow) {
-    for (const Function& fn : kFunctions) {
-        SCOPED_TRACE(fn.name);
-        const int w = 37, h = 5;
-        Source s1(fn, w, h, 0, 0), s2(fn, w, h, 0, 0);
-        Rng rng(7);
-        s1.fill(rng);
-        s2.fill(rng);
-        GuardedImage<Oru8u> mask(w, h);
-        mask.fill_random(3, 0, 2);
-        GuardedImage<Oru32f> whole(w, h), rows(w, h);
-        whole.fill_random(9, -50, 50);
-        for (int y = 0; y < h; ++y) std::memcpy(rows.row(y), whole.row(y), 4 * w);
-        EXPECT_EQ(fn.call({s1.image.data(), w * fn.bytes, s2.image.data(), w * fn.bytes, mask.data(), w, whole.data(),
-                           4 * w, {w, h}, 0.75f}),
-                  oruStsOk);
-        for (int y = 0; y < h; ++y)
-            EXPECT_EQ(fn.call({s1.image.row(y), w * fn.bytes, s2.image.row(y), w * fn.bytes, mask.row(y), w,
-                               rows.row(y), 4 * w, {w, 1}, 0.75f}),
-                      oruStsOk);
-        EXPECT_EQ(whole.region_bytes(), rows.region_bytes());
-    }
 }
