@@ -1,5 +1,6 @@
-// AVX2 accumulator rows: 16 pixels per step (one 16-byte group of 8-bit
-// sources, or two groups of eight floats), scalar head and tail. The head
+// AVX2 accumulator rows: 16 pixels per step (two groups of eight 8-bit
+// sources widened to 32-bit lanes, or two groups of eight floats), scalar
+// head and tail. The head
 // brings the accumulator to a 32-byte boundary so that no store splits a
 // cache line; pixels are independent, so where a row is cut does not change
 // any result.
@@ -34,22 +35,12 @@ inline __m256 mul_first(__m256 a, __m256 b) {
 inline __m128i load16(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
 
-// Sixteen 8-bit values as sixteen 16-bit lanes, zero- or sign-extended.
+// Eight 8-bit values as eight 32-bit lanes, zero- or sign-extended by the
+// source type. Squares and products are formed in these lanes: at most 65025
+// in magnitude, they are exact there and after conversion to float.
 template <class S>
-inline __m256i widen_8_16(__m128i x) {
-    return kSigned8<S> ? _mm256_cvtepi8_epi16(x) : _mm256_cvtepu8_epi16(x);
-}
-
-// Eight 8-bit or eight 16-bit lanes as eight floats, with the source's
-// extension rule (unsigned squares and products reach 65025, past the signed
-// range).
-template <class S>
-inline __m256 float_from_8(__m128i x) {
-    return _mm256_cvtepi32_ps(kSigned8<S> ? _mm256_cvtepi8_epi32(x) : _mm256_cvtepu8_epi32(x));
-}
-template <class S>
-inline __m256 float_from_16(__m128i x) {
-    return _mm256_cvtepi32_ps(kSigned8<S> ? _mm256_cvtepi16_epi32(x) : _mm256_cvtepu16_epi32(x));
+inline __m256i widen(__m128i x) {
+    return kSigned8<S> ? _mm256_cvtepi8_epi32(x) : _mm256_cvtepu8_epi32(x);
 }
 
 // Sixteen pixels. Unselected pixels get the addend +0.0 (the 8-bit source
@@ -82,22 +73,22 @@ inline void block16(const S* s1, const S* s2, const uint8_t* mask, float* acc, _
             if constexpr (kMasked && op != AccumOp::Weighted) x = _mm256_andnot_ps(unselected[k], x);
             v[k] = x;
         }
-    } else if constexpr (op == AccumOp::Add || op == AccumOp::Weighted) {
-        if constexpr (kMasked && op == AccumOp::Add) {
-            const __m128i x = _mm_andnot_si128(unselected8, load16(s1));
-            v[0] = float_from_8<S>(x);
-            v[1] = float_from_8<S>(_mm_unpackhi_epi64(x, x));
-        } else {
-            v[0] = float_from_8<S>(load8(s1));
-            v[1] = float_from_8<S>(load8(s1 + 8));
-        }
     } else {
-        __m128i x = load16(s1);
-        if constexpr (kMasked) x = _mm_andnot_si128(unselected8, x);
-        __m256i w = widen_8_16<S>(x);
-        w = _mm256_mullo_epi16(w, op == AccumOp::Square ? w : widen_8_16<S>(load16(s2)));
-        v[0] = float_from_16<S>(_mm256_castsi256_si128(w));
-        v[1] = float_from_16<S>(_mm256_extracti128_si256(w, 1));
+        __m256i x[2];
+        if constexpr (kMasked && op != AccumOp::Weighted) {
+            const __m128i bytes = _mm_andnot_si128(unselected8, load16(s1));
+            x[0] = widen<S>(bytes);
+            x[1] = widen<S>(_mm_unpackhi_epi64(bytes, bytes));
+        } else {
+            x[0] = widen<S>(load8(s1));
+            x[1] = widen<S>(load8(s1 + 8));
+        }
+        #pragma GCC unroll 2
+        for (int k = 0; k < 2; ++k) {
+            if constexpr (op == AccumOp::Square) x[k] = _mm256_mullo_epi32(x[k], x[k]);
+            if constexpr (op == AccumOp::Product) x[k] = _mm256_mullo_epi32(x[k], widen<S>(load8(s2 + 8 * k)));
+            v[k] = _mm256_cvtepi32_ps(x[k]);
+        }
     }
     #pragma GCC unroll 2
     for (int k = 0; k < 2; ++k) {
