@@ -356,6 +356,77 @@ ORUCV_API OruStatus oruiFloodFill_Grad8Con_32f_C1IR(Oru32f* pImage, int imageSte
 /* ---- Gaussian pyramids ----------------------------------------------------- */
 
 /* ---- Accumulators ---------------------------------------------------------- */
+/* Running accumulation into a one-channel float accumulator pSrcDst, updated
+ * in place, in single precision:
+ *   Add:         acc = acc + s
+ *   AddSquare:   acc = acc + s * s
+ *   AddProduct:  acc = acc + s1 * s2
+ *   AddWeighted: acc = acc + (s - acc) * alpha   (alpha is used unchanged,
+ *                whatever its value, also negative, infinite or NaN)
+ * 8-bit values are converted exactly; 8-bit squares and products are exact
+ * integers before conversion (e.g. -128 * 127 adds -16256.0).
+ * Masked forms (C1IMR) rewrite every accumulator pixel: where the mask byte
+ * is 0, Add/AddSquare/AddProduct add +0.0 (so -0.0 becomes +0.0) and
+ * AddWeighted uses the weight 0.0 (so an infinite or NaN s - acc makes the
+ * pixel NaN).
+ * Checks, in order: any image pointer NULL (oruStsNullPointer); width or
+ * height negative, an 8-bit step (source or mask) below width, a float step
+ * below 4 * width or not divisible by 4 (all oruStsSize). A region with zero
+ * width or height returns oruStsOk without touching memory. */
+
+ORUCV_API OruStatus oruiAdd_8u32f_C1IR(const Oru8u* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                       OruSize roiSize);
+ORUCV_API OruStatus oruiAdd_8s32f_C1IR(const Oru8s* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                       OruSize roiSize);
+ORUCV_API OruStatus oruiAdd_8u32f_C1IMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                        Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+ORUCV_API OruStatus oruiAdd_8s32f_C1IMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                        Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+/* Float Add exists in the masked form only. */
+ORUCV_API OruStatus oruiAdd_32f_C1IMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                      Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+
+ORUCV_API OruStatus oruiAddSquare_8u32f_C1IR(const Oru8u* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                             OruSize roiSize);
+ORUCV_API OruStatus oruiAddSquare_8s32f_C1IR(const Oru8s* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                             OruSize roiSize);
+ORUCV_API OruStatus oruiAddSquare_32f_C1IR(const Oru32f* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                           OruSize roiSize);
+ORUCV_API OruStatus oruiAddSquare_8u32f_C1IMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                              Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+ORUCV_API OruStatus oruiAddSquare_8s32f_C1IMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                              Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+ORUCV_API OruStatus oruiAddSquare_32f_C1IMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                            Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+
+ORUCV_API OruStatus oruiAddProduct_8u32f_C1IR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                              Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+ORUCV_API OruStatus oruiAddProduct_8s32f_C1IR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                              Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+ORUCV_API OruStatus oruiAddProduct_32f_C1IR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                            Oru32f* pSrcDst, int srcDstStep, OruSize roiSize);
+ORUCV_API OruStatus oruiAddProduct_8u32f_C1IMR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                               const Oru8u* pMask, int maskStep, Oru32f* pSrcDst, int srcDstStep,
+                                               OruSize roiSize);
+ORUCV_API OruStatus oruiAddProduct_8s32f_C1IMR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                               const Oru8u* pMask, int maskStep, Oru32f* pSrcDst, int srcDstStep,
+                                               OruSize roiSize);
+ORUCV_API OruStatus oruiAddProduct_32f_C1IMR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, Oru32f* pSrcDst, int srcDstStep,
+                                             OruSize roiSize);
+
+ORUCV_API OruStatus oruiAddWeighted_8u32f_C1IR(const Oru8u* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                               OruSize roiSize, Oru32f alpha);
+ORUCV_API OruStatus oruiAddWeighted_8s32f_C1IR(const Oru8s* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                               OruSize roiSize, Oru32f alpha);
+ORUCV_API OruStatus oruiAddWeighted_32f_C1IR(const Oru32f* pSrc, int srcStep, Oru32f* pSrcDst, int srcDstStep,
+                                             OruSize roiSize, Oru32f alpha);
+ORUCV_API OruStatus oruiAddWeighted_8u32f_C1IMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                                Oru32f* pSrcDst, int srcDstStep, OruSize roiSize, Oru32f alpha);
+ORUCV_API OruStatus oruiAddWeighted_8s32f_C1IMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                                Oru32f* pSrcDst, int srcDstStep, OruSize roiSize, Oru32f alpha);
+ORUCV_API OruStatus oruiAddWeighted_32f_C1IMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                              Oru32f* pSrcDst, int srcDstStep, OruSize roiSize, Oru32f alpha);
 
 /* ---- Template matching ----------------------------------------------------- */
 
