@@ -9,7 +9,7 @@
 namespace orucv {
 namespace a6 {
 
-const CannyKernels canny_kernels_scalar = {scalar::magnitude, scalar::suppress, scalar::output};
+const CannyKernels canny_kernels_scalar = {scalar::magnitude, scalar::suppress};
 
 const CannyKernels& canny_kernels() { return ORUCV_CHOOSE(canny_kernels); }
 
@@ -49,9 +49,21 @@ CannyScratch canny_scratch(uint8_t* buffer, long long buffer_bytes, int width, i
 
 namespace {
 
+// Where the map and the output meet: map cell (x + 1, y + 1) is output
+// pixel (x, y).
+struct EdgeOutput {
+    uint8_t* dst;
+    int step;
+    uint32_t pitch;
+    void accept(uint32_t cell) const {
+        const uint32_t y = cell / pitch, x = cell - y * pitch;
+        row_at(dst, step, static_cast<int>(y) - 1)[x - 1] = 255;
+    }
+};
+
 // Accepts the weak neighbours of every cell on the stack, pushing them in
 // turn. A cell is marked when pushed, so it enters the stack at most once.
-void grow_edges(uint8_t* map, ptrdiff_t pitch, CannyStack& stack) {
+void grow_edges(uint8_t* map, ptrdiff_t pitch, CannyStack& stack, const EdgeOutput& out) {
     const ptrdiff_t around[8] = {-pitch, -pitch - 1, -pitch + 1, 1, pitch + 1, pitch, pitch - 1, -1};
     while (stack.top) {
         uint8_t* cell = map + stack.cells[--stack.top];
@@ -59,7 +71,9 @@ void grow_edges(uint8_t* map, ptrdiff_t pitch, CannyStack& stack) {
             uint8_t* n = cell + d;
             if (*n == kCannyWeak) {
                 *n = kCannyEdge;
-                canny_push(&stack, static_cast<uint32_t>(n - map));
+                const uint32_t index = static_cast<uint32_t>(n - map);
+                out.accept(index);
+                canny_push(&stack, index);
             }
         }
     }
@@ -74,20 +88,22 @@ bool touches_edge(const uint8_t* c, ptrdiff_t pitch) {
 // Hysteresis without memory: sweeps the map forward and backward, accepting
 // weak cells next to accepted ones, until a round changes nothing. Every
 // weak cell connected to an edge is then an edge, as with the stack.
-void sweep_edges(uint8_t* map, ptrdiff_t pitch, int width, int height) {
+void sweep_edges(uint8_t* map, ptrdiff_t pitch, int width, int height, uint8_t* dst, int dstStep) {
     bool changed = true;
+    auto visit = [&](int x, int y) {
+        uint8_t* c = map + y * pitch + x;
+        if (*c == kCannyWeak && touches_edge(c, pitch)) {
+            *c = kCannyEdge;
+            row_at(dst, dstStep, y - 1)[x - 1] = 255;
+            changed = true;
+        }
+    };
     while (changed) {
         changed = false;
-        for (int y = 1; y <= height; ++y) {
-            uint8_t* row = map + y * pitch;
-            for (int x = 1; x <= width; ++x)
-                if (row[x] == kCannyWeak && touches_edge(row + x, pitch)) row[x] = kCannyEdge, changed = true;
-        }
-        for (int y = height; y >= 1; --y) {
-            uint8_t* row = map + y * pitch;
-            for (int x = width; x >= 1; --x)
-                if (row[x] == kCannyWeak && touches_edge(row + x, pitch)) row[x] = kCannyEdge, changed = true;
-        }
+        for (int y = 1; y <= height; ++y)
+            for (int x = 1; x <= width; ++x) visit(x, y);
+        for (int y = height; y >= 1; --y)
+            for (int x = width; x >= 1; --x) visit(x, y);
     }
 }
 
@@ -131,6 +147,7 @@ bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t*
                                    mag_row(y),
                                    next,
                                    cells + 1,
+                                   row_at(pDstEdges, dstEdgeStep, y),
                                    static_cast<uint32_t>((y + 1) * pitch + 1),
                                    width,
                                    low,
@@ -139,11 +156,9 @@ bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t*
         k.suppress(row);
     }
 
-    grow_edges(map, pitch, stack);
+    grow_edges(map, pitch, stack, EdgeOutput{pDstEdges, dstEdgeStep, static_cast<uint32_t>(pitch)});
     const bool swept = stack.overflowed;
-    if (swept) sweep_edges(map, pitch, width, height);
-
-    for (int y = 0; y < height; ++y) k.output(map + (y + 1) * pitch + 1, row_at(pDstEdges, dstEdgeStep, y), width);
+    if (swept) sweep_edges(map, pitch, width, height, pDstEdges, dstEdgeStep);
     return swept;
 }
 

@@ -5,7 +5,9 @@
 // next row into a ring of three magnitude rows, then suppresses the
 // non-maxima of the current row into the edge map, pushing strong cells on
 // the seed stack. Hysteresis then grows edges from the seeds through weak
-// cells, and a last pass turns the map into 255/0 output bytes.
+// cells. The output row is written with the suppression (255 for strong
+// cells, 0 for the rest) and hysteresis sets 255 where it accepts a weak
+// cell, so no pass over the whole map is needed at the end.
 //
 // The scratch buffer (the caller's, canny_buffer_size bytes) holds:
 //  - the magnitude ring: 3 rows of width + 2 int16 cells, cell 0 and cell
@@ -27,8 +29,7 @@
 namespace orucv {
 namespace a6 {
 
-// Edge-map cell codes. kCannyEdge is 0xFF so that the output pass is one
-// byte comparison.
+// Edge-map cell codes.
 enum : uint8_t { kCannyNone = 0, kCannyWeak = 1, kCannyEdge = 255 };
 
 // Direction tests: 1697/4096 and 9889/4096 approximate tan(22.5) and
@@ -58,6 +59,7 @@ struct CannySuppressRow {
     const int16_t* mid;
     const int16_t* down;
     uint8_t* map;        // edge-map cell of pixel 0
+    uint8_t* out;        // output row
     uint32_t first_cell; // map index of pixel 0
     int width;
     int low, high;       // 0..32767
@@ -67,10 +69,9 @@ struct CannySuppressRow {
 struct CannyKernels {
     // mag[x] = |dx[x]| + |dy[x]|, saturated to 16 bits.
     void (*magnitude)(const int16_t* dx, const int16_t* dy, int16_t* mag, int n);
-    // Classifies the row's cells into kCannyNone/Weak/Edge, pushing edges.
+    // Classifies the row's cells into kCannyNone/Weak/Edge, pushing edges;
+    // the output row gets 255 at edges, 0 elsewhere.
     void (*suppress)(const CannySuppressRow& row);
-    // dst[x] = 255 where map[x] is an accepted edge, else 0.
-    void (*output)(const uint8_t* map, uint8_t* dst, int n);
 };
 
 extern const CannyKernels canny_kernels_scalar;
@@ -135,15 +136,12 @@ static inline void suppress_from(const CannySuppressRow& r, int from) {
     for (int x = from; x < r.width; ++x) {
         const uint8_t code = suppress_cell(r, x);
         r.map[x] = code;
+        r.out[x] = code == kCannyEdge ? 255 : 0;
         if (code == kCannyEdge) canny_push(r.stack, r.first_cell + static_cast<uint32_t>(x));
     }
 }
 
 static inline void suppress(const CannySuppressRow& r) { suppress_from(r, 0); }
-
-static inline void output(const uint8_t* map, uint8_t* dst, int n) {
-    for (int i = 0; i < n; ++i) dst[i] = map[i] == kCannyEdge ? 255 : 0;
-}
 
 }  // namespace scalar
 }  // namespace a6

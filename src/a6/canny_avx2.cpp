@@ -46,12 +46,15 @@ void suppress(const CannySuppressRow& r) {
     const __m256i weak = _mm256_set1_epi16(kCannyWeak);
     const __m256i edge = _mm256_set1_epi16(kCannyEdge);
     const int16_t *up = r.up, *mid = r.mid, *down = r.down;
+    uint8_t *map = r.map, *out = r.out;
+    const int width = r.width;
     int x = 0;
-    for (; x + 16 <= r.width; x += 16) {
+    for (; x + 16 <= width; x += 16) {
         const __m256i m = load(mid + x);
         const __m256i candidate = _mm256_cmpgt_epi16(m, low);
         if (_mm256_testz_si256(candidate, candidate)) {
-            _mm_storeu_si128(reinterpret_cast<__m128i*>(r.map + x), _mm_setzero_si128());
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(map + x), _mm_setzero_si128());
+            _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), _mm_setzero_si128());
             continue;
         }
         const __m256i dx = load(r.dx + x), dy = load(r.dy + x);
@@ -72,32 +75,22 @@ void suppress(const CannySuppressRow& r) {
         const __m256i strong = _mm256_and_si256(kept, _mm256_cmpgt_epi16(m, high));
         const __m256i code = _mm256_blendv_epi8(_mm256_and_si256(kept, weak), edge, strong);
         const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(code), _mm256_extracti128_si256(code, 1));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(r.map + x), bytes);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(map + x), bytes);
+        const __m128i strong8 = _mm_packs_epi16(_mm256_castsi256_si128(strong), _mm256_extracti128_si256(strong, 1));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + x), strong8);
 
-        // Two mask bits per cell: keep the even ones.
-        unsigned bits = static_cast<unsigned>(_mm256_movemask_epi8(strong)) & 0x55555555u;
+        unsigned bits = static_cast<unsigned>(_mm_movemask_epi8(strong8));
         while (bits) {
-            canny_push(r.stack, r.first_cell + static_cast<uint32_t>(x + (__builtin_ctz(bits) >> 1)));
+            canny_push(r.stack, r.first_cell + static_cast<uint32_t>(x + __builtin_ctz(bits)));
             bits &= bits - 1;
         }
     }
     scalar::suppress_from(r, x);
 }
 
-void output(const uint8_t* map, uint8_t* dst, int n) {
-    const __m256i edge = _mm256_set1_epi8(static_cast<char>(kCannyEdge));
-    int i = 0;
-    for (; i + 64 <= n; i += 64) {
-        store(dst + i, _mm256_cmpeq_epi8(load(map + i), edge));
-        store(dst + i + 32, _mm256_cmpeq_epi8(load(map + i + 32), edge));
-    }
-    for (; i + 32 <= n; i += 32) store(dst + i, _mm256_cmpeq_epi8(load(map + i), edge));
-    scalar::output(map + i, dst + i, n - i);
-}
-
 }  // namespace
 
-const CannyKernels canny_kernels_avx2 = {magnitude, suppress, output};
+const CannyKernels canny_kernels_avx2 = {magnitude, suppress};
 
 }  // namespace a6
 }  // namespace orucv

@@ -42,12 +42,15 @@ void suppress(const CannySuppressRow& r) {
     const __m128i weak = _mm_set1_epi16(kCannyWeak);
     const __m128i edge = _mm_set1_epi16(kCannyEdge);
     const int16_t *up = r.up, *mid = r.mid, *down = r.down;
+    uint8_t *map = r.map, *out = r.out;
+    const int width = r.width;
     int x = 0;
-    for (; x + 8 <= r.width; x += 8) {
+    for (; x + 8 <= width; x += 8) {
         const __m128i m = load(mid + x);
         const __m128i candidate = _mm_cmpgt_epi16(m, low);
         if (_mm_movemask_epi8(candidate) == 0) {
-            _mm_storel_epi64(reinterpret_cast<__m128i*>(r.map + x), _mm_setzero_si128());
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(map + x), _mm_setzero_si128());
+            _mm_storel_epi64(reinterpret_cast<__m128i*>(out + x), _mm_setzero_si128());
             continue;
         }
         const __m128i dx = load(r.dx + x), dy = load(r.dy + x);
@@ -67,9 +70,11 @@ void suppress(const CannySuppressRow& r) {
         const __m128i kept = _mm_and_si128(candidate, _mm_cmpgt_epi16(m, n));
         const __m128i strong = _mm_and_si128(kept, _mm_cmpgt_epi16(m, high));
         const __m128i code = select(strong, edge, _mm_and_si128(kept, weak));
-        _mm_storel_epi64(reinterpret_cast<__m128i*>(r.map + x), _mm_packus_epi16(code, code));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(map + x), _mm_packus_epi16(code, code));
+        const __m128i strong8 = _mm_packs_epi16(strong, strong);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(out + x), strong8);
 
-        unsigned bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16(strong, strong))) & 0xFFu;
+        unsigned bits = static_cast<unsigned>(_mm_movemask_epi8(strong8)) & 0xFFu;
         while (bits) {
             canny_push(r.stack, r.first_cell + static_cast<uint32_t>(x + __builtin_ctz(bits)));
             bits &= bits - 1;
@@ -78,20 +83,9 @@ void suppress(const CannySuppressRow& r) {
     scalar::suppress_from(r, x);
 }
 
-void output(const uint8_t* map, uint8_t* dst, int n) {
-    const __m128i edge = _mm_set1_epi8(static_cast<char>(kCannyEdge));
-    int i = 0;
-    for (; i + 32 <= n; i += 32) {
-        store(dst + i, _mm_cmpeq_epi8(load(map + i), edge));
-        store(dst + i + 16, _mm_cmpeq_epi8(load(map + i + 16), edge));
-    }
-    for (; i + 16 <= n; i += 16) store(dst + i, _mm_cmpeq_epi8(load(map + i), edge));
-    scalar::output(map + i, dst + i, n - i);
-}
-
 }  // namespace
 
-const CannyKernels canny_kernels_sse2 = {magnitude, suppress, output};
+const CannyKernels canny_kernels_sse2 = {magnitude, suppress};
 
 }  // namespace a6
 }  // namespace orucv
