@@ -99,8 +99,12 @@ bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t*
 
 namespace scalar {
 
-// |v| in 16 bits: -32768 gives 32767.
-static inline int abs16(int v) { return v < 0 ? (v == -32768 ? 32767 : -v) : v; }
+// |v| in 16 bits: -32768 gives 32767. Written for conditional moves: the
+// signs of derivatives are too random for branches.
+static inline int abs16(int v) {
+    const int a = v < 0 ? -v : v;
+    return a > 32767 ? 32767 : a;
+}
 
 static inline int16_t magnitude_of(int dx, int dy) {
     const int m = abs16(dx) + abs16(dy);
