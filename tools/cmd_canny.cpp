@@ -71,7 +71,8 @@ int run_canny(const Args& args) {
     size_t count = 0;
     const Image edges = canny(gray, static_cast<float>(low), static_cast<float>(high), &ms, &count);
     write_image(args.positional[1], edges);
-    std::printf("%s: %dx%d, %zu edge pixels, %.3f ms\n", args.positional[1].c_str(), gray.width, gray.height, count, ms);
+    std::printf("%s: %dx%d, %zu edge pixels, %.3f ms\n", args.positional[1].c_str(), gray.width, gray.height, count,
+                ms);
     return 0;
 }
 ORUCV_COMMAND("canny", "IN OUT --low L --high H   Canny edges (255) of an image as gray, from its Sobel 3x3 "
