@@ -252,6 +252,40 @@ ORUCV_API OruStatus oruiScharr_Dy_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32
 
 /* ---- Canny edge detector -------------------------------------------------- */
 
+/* Scratch size in bytes for oruiCanny_16s8u_C1R on roiSize:
+ * 12 * (width + 2) * (height + 2). Checks: width or height below 1
+ * (oruStsSize, tested before the pointer), pBufferSize NULL
+ * (oruStsNullPointer), a size whose byte count does not fit an int
+ * (oruStsSize, nothing written). */
+ORUCV_API OruStatus oruiCannyGetSize(OruSize roiSize, int* pBufferSize);
+
+/* Binary edge map (255 edge, 0 not) from x and y derivative images, such as
+ * those of oruiSobel3x3_Dx_8u16s_C1R and oruiSobel3x3_Dy_8u16s_C1R (origin 0).
+ *  - magnitude m = |dx| + |dy|, saturated to 16 bits (|-32768| counts as
+ *    32767); thresholds are truncated toward zero (10.9 acts as 10);
+ *  - a pixel is a candidate when m > low and m is strictly greater than
+ *    both neighbours along its gradient direction, quantised with
+ *    1697 |dx| > 4096 |dy| (left/right), else 9889 |dx| > 4096 |dy|
+ *    (diagonal: upper-left/lower-right when dx and dy have the same sign
+ *    bit, upper-right/lower-left otherwise), else up/down. Equal magnitudes
+ *    along the direction suppress each other (plateaus give no edge);
+ *    outside the image the magnitude is 0;
+ *  - edges are the candidates 8-connected through candidates to one with
+ *    m > high.
+ * The magnitude pass reads row y of the x derivative at pSrcDx + y *
+ * srcDyStep and of the y derivative at pSrcDy + y * srcDxStep (the steps are
+ * exchanged there, and only there); with equal steps this makes no
+ * difference. pBuffer holds at least oruiCannyGetSize bytes and is the only
+ * memory used; its contents afterwards are unspecified.
+ * Checks, in order: a NULL pointer (oruStsNullPointer); a step below 1
+ * (oruStsStep); width or height below 1 (oruStsSize); an odd derivative
+ * step (oruStsNotEvenStep; the output step may be odd); not
+ * (lowThresh >= 0) or not (highThresh >= lowThresh), NaN included
+ * (oruStsBadArg). */
+ORUCV_API OruStatus oruiCanny_16s8u_C1R(const Oru16s* pSrcDx, int srcDxStep, const Oru16s* pSrcDy, int srcDyStep,
+                                        Oru8u* pDstEdges, int dstEdgeStep, OruSize roiSize, Oru32f lowThresh,
+                                        Oru32f highThresh, Oru8u* pBuffer);
+
 /* ---- Chamfer distance transform ------------------------------------------- */
 /* Every pixel of the float destination receives the chamfer distance to the
  * nearest source pixel equal to 0 (a feature, distance 0), computed by a
