@@ -14,25 +14,13 @@ struct CannyFrame {
     std::vector<uint8_t> edges, buffer;
 };
 
-// The 3x3 Sobel x and y derivatives (origin 0, rows downward) of an 8-bit
-// image with replicated borders: dx = right minus left columns weighted
-// 1 2 1 down, dy = lower minus upper rows weighted 1 2 1 across.
+// The 3x3 Sobel x and y derivatives (origin 0) of the scene.
 void scene_derivatives(const orucv_tool::Image& img, std::vector<int16_t>& dx, std::vector<int16_t>& dy) {
     const int w = img.width, h = img.height;
     dx.assign(static_cast<size_t>(w) * h, 0);
     dy.assign(static_cast<size_t>(w) * h, 0);
-    auto s = [&](int x, int y) {
-        x = x < 0 ? 0 : x >= w ? w - 1 : x;
-        y = y < 0 ? 0 : y >= h ? h - 1 : y;
-        return static_cast<int>(img.at(x, y));
-    };
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            auto d = [&](int yy) { return s(x + 1, yy) - s(x - 1, yy); };
-            auto m = [&](int yy) { return s(x - 1, yy) + 2 * s(x, yy) + s(x + 1, yy); };
-            dx[static_cast<size_t>(y) * w + x] = static_cast<int16_t>(d(y - 1) + 2 * d(y) + d(y + 1));
-            dy[static_cast<size_t>(y) * w + x] = static_cast<int16_t>(m(y + 1) - m(y - 1));
-        }
+    oruiSobel3x3_Dx_8u16s_C1R(img.pixels.data(), img.step(), dx.data(), 2 * w, {w, h});
+    oruiSobel3x3_Dy_8u16s_C1R(img.pixels.data(), img.step(), dy.data(), 2 * w, 0, {w, h});
 }
 
 ORUBENCH("Canny_16s8u_SobelScene", 0, [](int w, int h) {

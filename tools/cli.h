@@ -72,6 +72,10 @@ double time_ms(Fn&& fn, int repeats = 5) {
     return best;
 }
 
+// Canny edges (255, else 0) of a gray image from its 3x3 Sobel derivatives;
+// *ms is the detector's own time. Shared by the demo steps that need edges.
+Image canny_edges(const Image& gray, float low, float high, double* ms, size_t* edge_count);
+
 // Throws ToolError with the function's name when a call fails.
 void check_status(int status, const char* function);
 

@@ -9,29 +9,20 @@
 namespace orucv_tool {
 namespace {
 
-// The 3x3 Sobel x and y derivatives (origin 0, rows downward) of an 8-bit
-// image with replicated borders: dx = right minus left columns weighted
-// 1 2 1 down, dy = lower minus upper rows weighted 1 2 1 across.
+// The 3x3 Sobel x and y derivatives (origin 0) of a gray image.
 void scene_derivatives(const Image& img, std::vector<int16_t>& dx, std::vector<int16_t>& dy) {
     const int w = img.width, h = img.height;
     dx.assign(static_cast<size_t>(w) * h, 0);
     dy.assign(static_cast<size_t>(w) * h, 0);
-    auto s = [&](int x, int y) {
-        x = x < 0 ? 0 : x >= w ? w - 1 : x;
-        y = y < 0 ? 0 : y >= h ? h - 1 : y;
-        return static_cast<int>(img.at(x, y));
-    };
-    for (int y = 0; y < h; ++y)
-        for (int x = 0; x < w; ++x) {
-            auto d = [&](int yy) { return s(x + 1, yy) - s(x - 1, yy); };
-            auto m = [&](int yy) { return s(x - 1, yy) + 2 * s(x, yy) + s(x + 1, yy); };
-            dx[static_cast<size_t>(y) * w + x] = static_cast<int16_t>(d(y - 1) + 2 * d(y) + d(y + 1));
-            dy[static_cast<size_t>(y) * w + x] = static_cast<int16_t>(m(y + 1) - m(y - 1));
-        }
+    check_status(oruiSobel3x3_Dx_8u16s_C1R(img.pixels.data(), img.step(), dx.data(), 2 * w, {w, h}),
+                 "oruiSobel3x3_Dx_8u16s_C1R");
+    check_status(oruiSobel3x3_Dy_8u16s_C1R(img.pixels.data(), img.step(), dy.data(), 2 * w, 0, {w, h}),
+                 "oruiSobel3x3_Dy_8u16s_C1R");
 }
 
-// Edges of a gray image; *ms is the detector's time alone.
-Image canny(const Image& gray, float low, float high, double* ms, size_t* edge_count) {
+}  // namespace
+
+Image canny_edges(const Image& gray, float low, float high, double* ms, size_t* edge_count) {
     const int w = gray.width, h = gray.height;
     int size = 0;
     if (oruiCannyGetSize({w, h}, &size) != oruStsOk)
@@ -51,10 +42,12 @@ Image canny(const Image& gray, float low, float high, double* ms, size_t* edge_c
     return edges;
 }
 
+namespace {
+
 void demo_canny(DemoContext& demo) {
     double ms = 0;
     size_t count = 0;
-    const Image edges = canny(demo.frame(0), 40.0f, 120.0f, &ms, &count);
+    const Image edges = canny_edges(demo.frame(0), 40.0f, 120.0f, &ms, &count);
     char detail[96];
     std::snprintf(detail, sizeof detail, "Sobel 3x3 derivatives, thresholds 40/120, %zu edge pixels", count);
     demo.save("canny.png", edges, "oruiCanny_16s8u_C1R", ms, detail);
@@ -69,7 +62,7 @@ int run_canny(const Args& args) {
     const Image gray = to_gray(read_image(args.positional[0]));
     double ms = 0;
     size_t count = 0;
-    const Image edges = canny(gray, static_cast<float>(low), static_cast<float>(high), &ms, &count);
+    const Image edges = canny_edges(gray, static_cast<float>(low), static_cast<float>(high), &ms, &count);
     write_image(args.positional[1], edges);
     std::printf("%s: %dx%d, %zu edge pixels, %.3f ms\n", args.positional[1].c_str(), gray.width, gray.height, count,
                 ms);

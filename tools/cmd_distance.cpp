@@ -44,26 +44,17 @@ FloatImage distance_map(const Image& features, const Mask& mask, double* ms) {
     return out;
 }
 
-// A stand-in edge map: 0 where the central-difference gradient magnitude
-// (|dx| + |dy|) reaches the threshold, 255 elsewhere.
-Image gradient_edges(const Image& gray, int threshold) {
-    Image out(gray.width, gray.height, 1, 255);
-    for (int y = 1; y + 1 < gray.height; ++y)
-        for (int x = 1; x + 1 < gray.width; ++x) {
-            const int dx = gray.at(x + 1, y) - gray.at(x - 1, y), dy = gray.at(x, y + 1) - gray.at(x, y - 1);
-            if (std::abs(dx) + std::abs(dy) >= threshold) out.at(x, y) = 0;
-        }
-    return out;
-}
-
 void demo_distance(DemoContext& demo) {
-    const Image edges = gradient_edges(demo.frame(0), 40);
-    demo.save("distance-edges.png", edges, "(input)", 0.0, "gradient edges of frame 0, features in black");
+    // The Canny edges are the features: edge pixels become 0, the rest 255.
+    double canny_ms = 0;
+    size_t count = 0;
+    Image edges = canny_edges(demo.frame(0), 40.0f, 120.0f, &canny_ms, &count);
+    for (auto& p : edges.pixels) p = p ? 0 : 255;
     const Mask mask{5, 52, "Euclidean"};
     double ms = 0;
     const FloatImage map = distance_map(edges, mask, &ms);
     demo.save("distance.png", scale_to_8u(map), "oruiDistanceTransform_5x5_8u32f_C1R", ms,
-              "5x5 Euclidean distance to the edges, scaled");
+              "5x5 Euclidean distance to the Canny edges, scaled");
 }
 ORUCV_DEMO_STEP(60, "chamfer distance transform", demo_distance);
 
