@@ -43,11 +43,13 @@ OruStatus pyr_up_8(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, O
     if (!(Cs == 1 || Cs == 3)) __assert_fail("Cs == 1 || Cs == 3", "src/orcvpyr", __LINE__, "ownPyrUpG5x5_8");
     const a6::PyrKernels& k = a6::pyr_kernels();
     const int w = roi.width, three = Cs == 3, n = 2 * w * Cs;
+    const long long src_bytes = static_cast<long long>(w) * roi.height * Cs;
+    const bool stream = a6::pyr_stream(src_bytes, 4 * src_bytes);
     a6::pyr_up_image<uint8_t, uint16_t>(
         src, srcStep, dst, dstStep, roi.height, buffer, a6::pyr_up_row_bytes(w, Cs),
-        [&](const uint8_t* s, uint16_t* d) { k.up_h8[three](s, w, d, bias); },
+        [&](const uint8_t* s, uint16_t* d, const uint8_t* next) { k.up_h8[three](s, w, d, bias, next); },
         [&](const uint16_t* a, const uint16_t* c, const uint16_t* b, int, uint8_t* even, uint8_t* odd) {
-            k.up_v8(a, c, b, n, even, odd, bias);
+            k.up_v8(a, c, b, n, even, odd, bias, stream);
         });
     return oruStsOk;
 }

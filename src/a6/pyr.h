@@ -35,23 +35,26 @@ enum { kUpFirst = 1, kUpLast = 2 };
 // and the rounding shift equal the signed ones plus a fixed offset).
 struct PyrKernels {
     // PyrDown horizontal pass: a source row of w pixels (w even, >= 2) into
-    // w/2 * ch sums (16-bit for 8-bit samples).
-    void (*down_h8[2])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias);
-    void (*down_h32[2])(const float* src, int w, float* dst);
+    // w/2 * ch sums (16-bit for 8-bit samples). `next` is the source row to
+    // be filtered after this one (or src itself), which SIMD kernels fetch
+    // into the cache while they work.
+    void (*down_h8[2])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t* next);
+    void (*down_h32[2])(const float* src, int w, float* dst, const float* next);
     // PyrDown vertical pass: five filtered rows centred on rows[2] (mirrored
-    // at the image edges) into n output samples.
-    void (*down_v8)(const uint16_t* const* rows, int n, uint8_t* dst, uint8_t bias);
-    void (*down_v32)(const float* const* rows, int form, int n, float* dst);
+    // at the image edges) into n output samples. With stream set, SIMD
+    // kernels write the aligned part of the row with non-temporal stores.
+    void (*down_v8)(const uint16_t* const* rows, int n, uint8_t* dst, uint8_t bias, bool stream);
+    void (*down_v32)(const float* const* rows, int form, int n, float* dst, bool stream);
     // PyrUp horizontal pass: a source row of w pixels (w >= 1) into 2w * ch
     // values, output pixels in order.
-    void (*up_h8[2])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias);
-    void (*up_h32[2])(const float* src, int w, float* dst);
+    void (*up_h8[2])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t* next);
+    void (*up_h32[2])(const float* src, int w, float* dst, const float* next);
     // PyrUp vertical pass: the filtered rows above, at and below source row
     // i (mirrored at the edges) into output rows 2i and 2i + 1, n samples.
     void (*up_v8)(const uint16_t* above, const uint16_t* centre, const uint16_t* below, int n, uint8_t* even,
-                  uint8_t* odd, uint8_t bias);
+                  uint8_t* odd, uint8_t bias, bool stream);
     void (*up_v32)(const float* above, const float* centre, const float* below, int band, int n, float* even,
-                   float* odd);
+                   float* odd, bool stream);
 };
 
 extern const PyrKernels pyr_kernels_scalar;
@@ -70,6 +73,15 @@ static inline long long pyr_down_row_bytes(long long w, int ch, bool is_float) {
 static inline long long pyr_up_row_bytes(long long w, int ch) { return (ch * (w * 8 + 96) + 15) / 16 * 16; }
 constexpr int kPyrDownRingRows = 6;
 constexpr int kPyrUpRingRows = 3;
+
+// Destination rows bypass the caches (non-temporal stores) when source and
+// destination together pass this size: images that large would evict each
+// other from the last-level cache anyway, and streaming saves reading every
+// destination line before it is written.
+constexpr long long kPyrStreamBytes = 16ll << 20;
+static inline bool pyr_stream(long long src_bytes, long long dst_bytes) {
+    return src_bytes + dst_bytes >= kPyrStreamBytes;
+}
 
 // The ring starts at the first 16-byte boundary of the scratch: the slack of
 // every row (at least 48 bytes per channel) covers the shift, and the rows
@@ -269,7 +281,8 @@ static inline void pyr_down_image(const S* src, int srcStep, S* dst, int dstStep
     for (int y = 0; y < oh; ++y) {
         const int need = 2 * y + 2 < h ? 2 * y + 2 : h - 1;
         for (; filtered <= need; ++filtered)
-            hrow(row_at(src, srcStep, filtered), ring.row<A>(filtered % kPyrDownRingRows));
+            hrow(row_at(src, srcStep, filtered), ring.row<A>(filtered % kPyrDownRingRows),
+                 row_at(src, srcStep, filtered + 1 < h ? filtered + 1 : filtered));
         const A* rows[5];
         for (int k = 0; k < 5; ++k)
             rows[k] = ring.row<A>(pyr_scalar::mirror(2 * y + k - 2, h) % kPyrDownRingRows);
@@ -290,7 +303,8 @@ static inline void pyr_up_image(const S* src, int srcStep, S* dst, int dstStep, 
     for (int i = 0; i < h; ++i) {
         const int below = i + 1 < h ? i + 1 : h - 1;
         for (; filtered <= below; ++filtered)
-            hrow(row_at(src, srcStep, filtered), ring.row<A>(filtered % kPyrUpRingRows));
+            hrow(row_at(src, srcStep, filtered), ring.row<A>(filtered % kPyrUpRingRows),
+                 row_at(src, srcStep, filtered + 1 < h ? filtered + 1 : filtered));
         const int above = i > 0 ? i - 1 : below;
         const int band = (i == 0 ? kUpFirst : 0) | (i == h - 1 ? kUpLast : 0);
         S* odd = row_at(even, dstStep, 1);

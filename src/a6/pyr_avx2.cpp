@@ -18,6 +18,17 @@ inline __m256i load2(const void* lo, const void* hi) {
 }
 inline __m256i bias8(bool is_signed) { return _mm256_set1_epi8(is_signed ? static_cast<char>(0x80) : 0); }
 
+template <bool kStream>
+inline void put(uint8_t* p, __m256i v) {
+    if (kStream) _mm256_stream_si256(reinterpret_cast<__m256i*>(p), v);
+    else store(p, v);
+}
+template <bool kStream>
+inline void put(float* p, __m256 v) {
+    if (kStream) _mm256_stream_ps(p, v);
+    else _mm256_storeu_ps(p, v);
+}
+
 inline __m256i sum5_epi16(__m256i l2, __m256i l1, __m256i c, __m256i r1, __m256i r2) {
     const __m256i six = _mm256_set1_epi16(6);
     const __m256i t = _mm256_add_epi16(_mm256_mullo_epi16(c, six), _mm256_slli_epi16(_mm256_add_epi16(l1, r1), 2));
@@ -28,9 +39,10 @@ inline __m256i sum5_epi16(__m256i l2, __m256i l1, __m256i c, __m256i r1, __m256i
 
 // Sixteen outputs per step; pairs split into even and odd samples as in SSE2.
 template <bool kSigned>
-int down_h8_c1_blocks(const uint8_t* s, int w, uint16_t* d, int x) {
+int down_h8_c1_blocks(const uint8_t* s, int w, uint16_t* d, int x, ptrdiff_t ahead) {
     const __m256i bias = bias8(kSigned), low = _mm256_set1_epi16(0xFF);
     for (const int last = (w - 34) / 2; x <= last; x += 16) {
+        pyr_sse::fetch_ahead(s + 2 * x, ahead);
         const __m256i vm = _mm256_xor_si256(load(s + 2 * x - 2), bias);
         const __m256i v0 = _mm256_xor_si256(load(s + 2 * x), bias);
         const __m256i vp = _mm256_xor_si256(load(s + 2 * x + 2), bias);
@@ -45,7 +57,7 @@ int down_h8_c1_blocks(const uint8_t* s, int w, uint16_t* d, int x) {
 // centre pixel (taps -2, -1, 0) and 3 bytes after it (taps +1, +2); byte
 // shuffles pick the samples and zero-extend them.
 template <bool kSigned>
-int down_h8_c3_blocks(const uint8_t* s, int w, uint16_t* d, int x) {
+int down_h8_c3_blocks(const uint8_t* s, int w, uint16_t* d, int x, ptrdiff_t ahead) {
     const __m256i bias = bias8(kSigned);
     const char z = static_cast<char>(0x80);
     const __m256i first = _mm256_setr_epi8(0, z, 1, z, 2, z, 6, z, 7, z, 8, z, z, z, z, z,   //
@@ -59,6 +71,7 @@ int down_h8_c3_blocks(const uint8_t* s, int w, uint16_t* d, int x) {
     const int off_edge = w / 2 - 5, in_row = (3 * w - 31) / 6;
     for (const int last = off_edge < in_row ? off_edge : in_row; x <= last; x += 4) {
         const uint8_t* p = s + 6 * static_cast<ptrdiff_t>(x);
+        pyr_sse::fetch_ahead(p, ahead);
         const __m256i a = _mm256_xor_si256(load2(p - 6, p + 6), bias);
         const __m256i b = _mm256_xor_si256(load2(p + 3, p + 15), bias);
         const __m256i h = sum5_epi16(_mm256_shuffle_epi8(a, first), _mm256_shuffle_epi8(a, second),
@@ -81,21 +94,22 @@ inline __m256i pack_ordered(__m256i a, __m256i b) {
     return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), _MM_SHUFFLE(3, 1, 2, 0));
 }
 
-template <bool kSigned>
+template <bool kSigned, bool kStream>
 int down_v8_blocks(const uint16_t* const* r, int n, uint8_t* d, int i) {
     const __m256i bias = bias8(kSigned);
     for (; i <= n - 32; i += 32)
-        store(d + i, _mm256_xor_si256(pack_ordered(down_v8_lanes(r, i), down_v8_lanes(r, i + 16)), bias));
+        put<kStream>(d + i, _mm256_xor_si256(pack_ordered(down_v8_lanes(r, i), down_v8_lanes(r, i + 16)), bias));
     return i;
 }
 
 // --- PyrUp, 8-bit.
 
 template <bool kSigned>
-int up_h8_c1_blocks(const uint8_t* s, int w, uint16_t* d, int j) {
+int up_h8_c1_blocks(const uint8_t* s, int w, uint16_t* d, int j, ptrdiff_t ahead) {
     const __m128i bias = pyr_sse::bias8(kSigned);
     const __m256i six = _mm256_set1_epi16(6);
     for (; j <= w - 17; j += 16) {
+        pyr_sse::fetch_ahead(s + j, ahead);
         const __m256i l = _mm256_cvtepu8_epi16(_mm_xor_si128(pyr_sse::load(s + j - 1), bias));
         const __m256i c = _mm256_cvtepu8_epi16(_mm_xor_si128(pyr_sse::load(s + j), bias));
         const __m256i r = _mm256_cvtepu8_epi16(_mm_xor_si128(pyr_sse::load(s + j + 1), bias));
@@ -108,7 +122,7 @@ int up_h8_c1_blocks(const uint8_t* s, int w, uint16_t* d, int j) {
     return j;
 }
 
-template <bool kSigned>
+template <bool kSigned, bool kStream>
 int up_v8_blocks(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o, int i) {
     const __m256i bias = bias8(kSigned), six = _mm256_set1_epi16(6), round = _mm256_set1_epi16(32);
     for (; i <= n - 32; i += 32) {
@@ -122,8 +136,8 @@ int up_v8_blocks(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n,
                 6);
             odd[half] = _mm256_srli_epi16(_mm256_add_epi16(_mm256_slli_epi16(_mm256_add_epi16(cv, bv), 2), round), 6);
         }
-        store(e + i, _mm256_xor_si256(pack_ordered(even[0], even[1]), bias));
-        store(o + i, _mm256_xor_si256(pack_ordered(odd[0], odd[1]), bias));
+        put<kStream>(e + i, _mm256_xor_si256(pack_ordered(even[0], even[1]), bias));
+        put<kStream>(o + i, _mm256_xor_si256(pack_ordered(odd[0], odd[1]), bias));
     }
     return i;
 }
@@ -150,9 +164,10 @@ inline __m256 up_last_ps(__m256 c) { return mul(8.0f, c); }
 // Eight outputs per step. In-lane shuffles split even and odd samples in
 // the lane order x, x+1, x+4, x+5 | x+2, x+3, x+6, x+7 for every tap alike;
 // one 64-bit permute restores the order before the store.
-int down_h32_c1_blocks(const float* s, int w, float* d, int x) {
+int down_h32_c1_blocks(const float* s, int w, float* d, int x, ptrdiff_t ahead) {
     for (const int last = (w - 18) / 2; x <= last; x += 8) {
         const float* q = s + 2 * static_cast<ptrdiff_t>(x);
+        pyr_sse::fetch_ahead(q, ahead);
         const __m256 m0 = _mm256_loadu_ps(q - 2), m1 = _mm256_loadu_ps(q + 6);
         const __m256 c0 = _mm256_loadu_ps(q), c1 = _mm256_loadu_ps(q + 8);
         const __m256 p0 = _mm256_loadu_ps(q + 2), p1 = _mm256_loadu_ps(q + 10);
@@ -164,7 +179,31 @@ int down_h32_c1_blocks(const float* s, int w, float* d, int x) {
     return x;
 }
 
-template <int kForm>
+// Two output pixels per step, one per 128-bit lane (channels in slots
+// 0..2): tap k pairs source pixels 2x + k and 2x + 2 + k. Every source
+// pixel is loaded once, broadcast to both lanes, and the taps are blends;
+// three pixels carry over.
+int down_h32_c3_blocks(const float* s, int w, float* d, int x, ptrdiff_t ahead) {
+    const int last = w / 2 - 3;  // outputs to x + 1 off the edge form, reads to float 6x + 15
+    if (x > last) return x;
+    const float* q = s + 6 * static_cast<ptrdiff_t>(x);
+    auto pixel = [](const float* p) { return _mm256_broadcast_ps(reinterpret_cast<const __m128*>(p)); };
+    __m256 p0 = pixel(q - 6), p1 = pixel(q - 3), p2 = pixel(q);
+    for (; x <= last; x += 2, q += 12) {
+        pyr_sse::fetch_ahead(q, ahead);
+        const __m256 p3 = pixel(q + 3), p4 = pixel(q + 6), p5 = pixel(q + 9), p6 = pixel(q + 12);
+        const __m256 h = down_inner_ps(_mm256_blend_ps(p0, p2, 0xF0), _mm256_blend_ps(p1, p3, 0xF0),
+                                       _mm256_blend_ps(p2, p4, 0xF0), _mm256_blend_ps(p3, p5, 0xF0),
+                                       _mm256_blend_ps(p4, p6, 0xF0));
+        float* o = d + 3 * static_cast<ptrdiff_t>(x);
+        _mm_storeu_ps(o, _mm256_castps256_ps128(h));
+        _mm_storeu_ps(o + 3, _mm256_extractf128_ps(h, 1));
+        p0 = p4, p1 = p5, p2 = p6;
+    }
+    return x;
+}
+
+template <int kForm, bool kStream>
 int down_v32_blocks(const float* const* r, int n, float* d, int i) {
     const __m256 scale = _mm256_set1_ps(kDownScale);
     for (; i <= n - 8; i += 8) {
@@ -179,13 +218,14 @@ int down_v32_blocks(const float* const* r, int n, float* d, int i) {
         else
             v = down_inner_ps(_mm256_loadu_ps(r[0] + i), _mm256_loadu_ps(r[1] + i), _mm256_loadu_ps(r[2] + i),
                               _mm256_loadu_ps(r[3] + i), _mm256_loadu_ps(r[4] + i));
-        _mm256_storeu_ps(d + i, _mm256_mul_ps(v, scale));
+        put<kStream>(d + i, _mm256_mul_ps(v, scale));
     }
     return i;
 }
 
-int up_h32_c1_blocks(const float* s, int w, float* d, int j) {
+int up_h32_c1_blocks(const float* s, int w, float* d, int j, ptrdiff_t ahead) {
     for (; j <= w - 9; j += 8) {
+        pyr_sse::fetch_ahead(s + j, ahead);
         const __m256 l = _mm256_loadu_ps(s + j - 1), c = _mm256_loadu_ps(s + j), r = _mm256_loadu_ps(s + j + 1);
         const __m256 even = up_even_ps(l, c, r), odd = up_odd_ps(c, r);
         const __m256 lo = _mm256_unpacklo_ps(even, odd), hi = _mm256_unpackhi_ps(even, odd);
@@ -195,7 +235,7 @@ int up_h32_c1_blocks(const float* s, int w, float* d, int j) {
     return j;
 }
 
-template <int kBand>
+template <int kBand, bool kStream>
 int up_v32_blocks(const float* a, const float* c, const float* b, int n, float* e, float* o, int i) {
     const __m256 scale = _mm256_set1_ps(kUpScale);
     for (; i <= n - 8; i += 8) {
@@ -212,8 +252,8 @@ int up_v32_blocks(const float* a, const float* c, const float* b, int n, float* 
             const __m256 bv = _mm256_loadu_ps(b + i);
             ev = up_even_ps(_mm256_loadu_ps(a + i), cv, bv), ov = up_odd_ps(cv, bv);
         }
-        _mm256_storeu_ps(e + i, _mm256_mul_ps(ev, scale));
-        _mm256_storeu_ps(o + i, _mm256_mul_ps(ov, scale));
+        put<kStream>(e + i, _mm256_mul_ps(ev, scale));
+        put<kStream>(o + i, _mm256_mul_ps(ov, scale));
     }
     return i;
 }
@@ -221,91 +261,128 @@ int up_v32_blocks(const float* a, const float* c, const float* b, int n, float* 
 // --- Table entries: wide loop, SSE2 blocks, scalar edges and tails.
 
 template <int CH, bool kSigned>
-void down_h8_run(const uint8_t* s, int w, uint16_t* d) {
+void down_h8_run(const uint8_t* s, int w, uint16_t* d, ptrdiff_t ahead) {
     const uint8_t bias = kSigned ? 0x80 : 0;
     down_h8_range<CH>(s, w, d, bias, 0, 1);
     int x;
-    if (CH == 1) x = pyr_sse::down_h8_c1_blocks<kSigned>(s, w, d, down_h8_c1_blocks<kSigned>(s, w, d, 1));
-    else x = pyr_sse::down_h8_c3_blocks<kSigned>(s, w, d, down_h8_c3_blocks<kSigned>(s, w, d, 1));
+    if (CH == 1)
+        x = pyr_sse::down_h8_c1_blocks<kSigned>(s, w, d, down_h8_c1_blocks<kSigned>(s, w, d, 1, ahead), ahead);
+    else x = pyr_sse::down_h8_c3_blocks<kSigned>(s, w, d, down_h8_c3_blocks<kSigned>(s, w, d, 1, ahead), ahead);
     down_h8_range<CH>(s, w, d, bias, x, w / 2);
 }
 template <int CH>
-void down_h8(const uint8_t* s, int w, uint16_t* d, uint8_t bias) {
-    bias ? down_h8_run<CH, true>(s, w, d) : down_h8_run<CH, false>(s, w, d);
+void down_h8(const uint8_t* s, int w, uint16_t* d, uint8_t bias, const uint8_t* next) {
+    const ptrdiff_t ahead = pyr_sse::rows_apart(s, next);
+    bias ? down_h8_run<CH, true>(s, w, d, ahead) : down_h8_run<CH, false>(s, w, d, ahead);
 }
 
+// Vertical kernels: when streaming, the scalar twin writes up to the first
+// 32-byte boundary and the wide blocks stream from there; the rest of the
+// row is stored plainly.
 template <bool kSigned>
-void down_v8_run(const uint16_t* const* r, int n, uint8_t* d) {
-    const int i = pyr_sse::down_v8_blocks<kSigned>(r, n, d, down_v8_blocks<kSigned>(r, n, d, 0));
+void down_v8_run(const uint16_t* const* r, int n, uint8_t* d, bool stream) {
+    int i = 0;
+    const int head = stream ? pyr_sse::stream_start(d, d, n, 32) : -1;
+    if (head >= 0) {
+        down_v8_range(r, 0, head, d, kSigned ? 0x80 : 0);
+        i = down_v8_blocks<kSigned, true>(r, n, d, head);
+        _mm_sfence();
+    }
+    i = pyr_sse::down_v8_blocks<kSigned>(r, n, d, down_v8_blocks<kSigned, false>(r, n, d, i));
     down_v8_range(r, i, n, d, kSigned ? 0x80 : 0);
 }
-void down_v8(const uint16_t* const* r, int n, uint8_t* d, uint8_t bias) {
-    bias ? down_v8_run<true>(r, n, d) : down_v8_run<false>(r, n, d);
+void down_v8(const uint16_t* const* r, int n, uint8_t* d, uint8_t bias, bool stream) {
+    bias ? down_v8_run<true>(r, n, d, stream) : down_v8_run<false>(r, n, d, stream);
 }
 
 template <int CH>
-void down_h32(const float* s, int w, float* d) {
+void down_h32(const float* s, int w, float* d, const float* next) {
+    const ptrdiff_t ahead = pyr_sse::rows_apart(s, next);
     down_h32_range<CH>(s, w, d, 0, 1);
-    const int x = CH == 1 ? pyr_sse::down_h32_c1_blocks(s, w, d, down_h32_c1_blocks(s, w, d, 1))
-                          : pyr_sse::down_h32_c3_blocks(s, w, d, 1);
+    const int x = CH == 1 ? pyr_sse::down_h32_c1_blocks(s, w, d, down_h32_c1_blocks(s, w, d, 1, ahead), ahead)
+                          : pyr_sse::down_h32_c3_blocks(s, w, d, down_h32_c3_blocks(s, w, d, 1, ahead), ahead);
     down_h32_range<CH>(s, w, d, x, w / 2);
 }
 
 template <int kForm>
-void down_v32_run(const float* const* r, int n, float* d) {
-    const int i = pyr_sse::down_v32_blocks<kForm>(r, n, d, down_v32_blocks<kForm>(r, n, d, 0));
+void down_v32_run(const float* const* r, int n, float* d, bool stream) {
+    int i = 0;
+    const int head = stream ? pyr_sse::stream_start(d, d, n, 32) : -1;
+    if (head >= 0) {
+        down_v32_range(r, kForm, 0, head, d);
+        i = down_v32_blocks<kForm, true>(r, n, d, head);
+        _mm_sfence();
+    }
+    i = pyr_sse::down_v32_blocks<kForm>(r, n, d, down_v32_blocks<kForm, false>(r, n, d, i));
     down_v32_range(r, kForm, i, n, d);
 }
-void down_v32(const float* const* r, int form, int n, float* d) {
+void down_v32(const float* const* r, int form, int n, float* d, bool stream) {
     switch (form) {
-    case kDownFirst: return down_v32_run<kDownFirst>(r, n, d);
-    case kDownLast: return down_v32_run<kDownLast>(r, n, d);
-    case kDownPair: return down_v32_run<kDownPair>(r, n, d);
-    default: return down_v32_run<kDownInner>(r, n, d);
+    case kDownFirst: return down_v32_run<kDownFirst>(r, n, d, stream);
+    case kDownLast: return down_v32_run<kDownLast>(r, n, d, stream);
+    case kDownPair: return down_v32_run<kDownPair>(r, n, d, stream);
+    default: return down_v32_run<kDownInner>(r, n, d, stream);
     }
 }
 
 template <int CH, bool kSigned>
-void up_h8_run(const uint8_t* s, int w, uint16_t* d) {
+void up_h8_run(const uint8_t* s, int w, uint16_t* d, ptrdiff_t ahead) {
     const uint8_t bias = kSigned ? 0x80 : 0;
     up_h8_range<CH>(s, w, d, bias, 0, 1);
-    const int j = CH == 1 ? pyr_sse::up_h8_c1_blocks<kSigned>(s, w, d, up_h8_c1_blocks<kSigned>(s, w, d, 1))
-                          : pyr_sse::up_h8_c3_blocks<kSigned>(s, w, d, 1);
+    const int j = CH == 1 ? pyr_sse::up_h8_c1_blocks<kSigned>(s, w, d, up_h8_c1_blocks<kSigned>(s, w, d, 1, ahead), ahead)
+                          : pyr_sse::up_h8_c3_blocks<kSigned>(s, w, d, 1, ahead);
     up_h8_range<CH>(s, w, d, bias, j, w);
 }
 template <int CH>
-void up_h8(const uint8_t* s, int w, uint16_t* d, uint8_t bias) {
-    bias ? up_h8_run<CH, true>(s, w, d) : up_h8_run<CH, false>(s, w, d);
+void up_h8(const uint8_t* s, int w, uint16_t* d, uint8_t bias, const uint8_t* next) {
+    const ptrdiff_t ahead = pyr_sse::rows_apart(s, next);
+    bias ? up_h8_run<CH, true>(s, w, d, ahead) : up_h8_run<CH, false>(s, w, d, ahead);
 }
 
 template <bool kSigned>
-void up_v8_run(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o) {
-    const int i = pyr_sse::up_v8_blocks<kSigned>(a, c, b, n, e, o, up_v8_blocks<kSigned>(a, c, b, n, e, o, 0));
+void up_v8_run(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o, bool stream) {
+    int i = 0;
+    const int head = stream ? pyr_sse::stream_start(e, o, n, 32) : -1;
+    if (head >= 0) {
+        up_v8_range(a, c, b, 0, head, e, o, kSigned ? 0x80 : 0);
+        i = up_v8_blocks<kSigned, true>(a, c, b, n, e, o, head);
+        _mm_sfence();
+    }
+    i = pyr_sse::up_v8_blocks<kSigned>(a, c, b, n, e, o, up_v8_blocks<kSigned, false>(a, c, b, n, e, o, i));
     up_v8_range(a, c, b, i, n, e, o, kSigned ? 0x80 : 0);
 }
-void up_v8(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o, uint8_t bias) {
-    bias ? up_v8_run<true>(a, c, b, n, e, o) : up_v8_run<false>(a, c, b, n, e, o);
+void up_v8(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o, uint8_t bias,
+           bool stream) {
+    bias ? up_v8_run<true>(a, c, b, n, e, o, stream) : up_v8_run<false>(a, c, b, n, e, o, stream);
 }
 
 template <int CH>
-void up_h32(const float* s, int w, float* d) {
+void up_h32(const float* s, int w, float* d, const float* next) {
+    const ptrdiff_t ahead = pyr_sse::rows_apart(s, next);
     up_h32_range<CH>(s, w, d, 0, 1);
-    const int j = CH == 1 ? pyr_sse::up_h32_c1_blocks(s, w, d, up_h32_c1_blocks(s, w, d, 1))
-                          : pyr_sse::up_h32_c3_blocks(s, w, d, 1);
+    const int j = CH == 1 ? pyr_sse::up_h32_c1_blocks(s, w, d, up_h32_c1_blocks(s, w, d, 1, ahead), ahead)
+                          : pyr_sse::up_h32_c3_blocks(s, w, d, 1, ahead);
     up_h32_range<CH>(s, w, d, j, w);
 }
 
 template <int kBand>
-void up_v32_run(const float* a, const float* c, const float* b, int n, float* e, float* o) {
-    const int i = pyr_sse::up_v32_blocks<kBand>(a, c, b, n, e, o, up_v32_blocks<kBand>(a, c, b, n, e, o, 0));
+void up_v32_run(const float* a, const float* c, const float* b, int n, float* e, float* o, bool stream) {
+    int i = 0;
+    const int head = stream ? pyr_sse::stream_start(e, o, n, 32) : -1;
+    if (head >= 0) {
+        up_v32_range(a, c, b, kBand, 0, head, e, o);
+        i = up_v32_blocks<kBand, true>(a, c, b, n, e, o, head);
+        _mm_sfence();
+    }
+    i = pyr_sse::up_v32_blocks<kBand>(a, c, b, n, e, o, up_v32_blocks<kBand, false>(a, c, b, n, e, o, i));
     up_v32_range(a, c, b, kBand, i, n, e, o);
 }
-void up_v32(const float* a, const float* c, const float* b, int band, int n, float* e, float* o) {
+void up_v32(const float* a, const float* c, const float* b, int band, int n, float* e, float* o, bool stream) {
     switch (band) {
-    case kUpFirst | kUpLast: return up_v32_run<kUpFirst | kUpLast>(a, c, b, n, e, o);
-    case kUpFirst: return up_v32_run<kUpFirst>(a, c, b, n, e, o);
-    case kUpLast: return up_v32_run<kUpLast>(a, c, b, n, e, o);
-    default: return up_v32_run<0>(a, c, b, n, e, o);
+    case kUpFirst | kUpLast: return up_v32_run<kUpFirst | kUpLast>(a, c, b, n, e, o, stream);
+    case kUpFirst: return up_v32_run<kUpFirst>(a, c, b, n, e, o, stream);
+    case kUpLast: return up_v32_run<kUpLast>(a, c, b, n, e, o, stream);
+    default: return up_v32_run<0>(a, c, b, n, e, o, stream);
     }
 }
 
