@@ -415,6 +415,58 @@ TEST(PyramidPaths, ExactAllocations) {
     check_exact_allocations<Oru32f>();
 }
 
+// Streaming stores: the vertical kernels called with the stream hint, rows
+// at every alignment, the odd row of PyrUp on or off the even row's
+// alignment; the results must equal the scalar twin's plain stores.
+TEST(PyramidPaths, StreamedRows) {
+    Rng rng(11);
+    uint16_t r8[5][96];
+    float r32[5][96];
+    for (int k = 0; k < 5; ++k)
+        for (int i = 0; i < 96; ++i) r8[k][i] = static_cast<uint16_t>(rng.uniform(0, 2040)), r32[k][i] = rng.uniform(-9.0f, 9.0f);
+    const uint16_t* rows8[5] = {r8[0], r8[1], r8[2], r8[3], r8[4]};
+    const float* rows32[5] = {r32[0], r32[1], r32[2], r32[3], r32[4]};
+    for (int n = 1; n <= 90; n += 11)
+        for (int shift = 0; shift < 10; ++shift) {
+            const int odd_shift = shift + (n % 2) * 3;
+            expect_same_on_every_path([&] {
+                const orucv::a6::PyrKernels& k = orucv::a6::pyr_kernels();
+                alignas(64) uint8_t down8[128] = {}, even8[128] = {}, odd8[128] = {};
+                alignas(64) float down32[4][128] = {}, even32[4][128] = {}, odd32[4][128] = {};
+                k.down_v8(rows8, n, down8 + shift, 0x80, true);
+                k.up_v8(r8[0], r8[1], r8[2], n, even8 + shift, odd8 + odd_shift, 0, true);
+                for (int f = 0; f < 4; ++f) {
+                    k.down_v32(rows32, f, n, down32[f] + shift, true);
+                    k.up_v32(r32[0], r32[1], r32[2], f, n, even32[f] + shift, odd32[f] + odd_shift, true);
+                }
+                std::vector<uint8_t> out(down8, down8 + 128);
+                for (const void* p : {(const void*)even8, (const void*)odd8}) out.insert(out.end(), (const uint8_t*)p, (const uint8_t*)p + 128);
+                for (const void* p : {(const void*)down32, (const void*)even32, (const void*)odd32})
+                    out.insert(out.end(), (const uint8_t*)p, (const uint8_t*)p + sizeof(down32));
+                return out;
+            });
+        }
+}
+
+// Images large enough to stream their destination rows, with padded and
+// misaligned rows.
+template <class T>
+void check_large(const Filter<T>& f, int width, int height) {
+    const OruSize o = out_size({width, height}, f.down);
+    GuardedImage<T> src(width, height, f.ch, 4 * sizeof(T));
+    fill_source(src, 5);
+    expect_same_on_every_path([&] {
+        GuardedImage<T> dst(o.width, o.height, f.ch, 8 * sizeof(T), sizeof(T));
+        run(f, src, dst);
+        return dst.region_bytes();
+    });
+}
+TEST(PyramidPaths, StreamedImages) {
+    check_large(filters<Oru32f>()[2], 1030, 820);   // PyrUp C1: 3.4 + 13.5 MB
+    check_large(filters<Oru32f>()[1], 1200, 1000);  // PyrDown C3: 14.4 + 3.6 MB
+    check_large(filters<Oru8u>()[3], 1024, 1100);   // PyrUp C3: 3.4 + 13.5 MB
+}
+
 // The row engines take the channel count as an argument; anything but 1 or
 // 3 is an internal fault that aborts with the condition and the file.
 TEST(PyramidDeathTest, ChannelCountInvariant) {
