@@ -340,7 +340,8 @@ void check_against_reference() {
         for (const OruSize size : sizes) {
             if (f.down && (size.width % 2 || size.height % 2)) continue;
             const OruSize o = out_size(size, f.down);
-            GuardedImage<T> src(size.width, size.height, f.ch, 8, 3), dst(o.width, o.height, f.ch, 4, 1);
+            GuardedImage<T> src(size.width, size.height, f.ch, 8 * sizeof(T), 3 * sizeof(T));
+            GuardedImage<T> dst(o.width, o.height, f.ch, 4 * sizeof(T), sizeof(T));
             fill_source(src, size.width * 100 + size.height);
             run(f, src, dst, 5);
             expect_reference(src, dst, f.down);
