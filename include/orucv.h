@@ -195,7 +195,10 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
  * 6*c + 4*(l1 + r1) + l2 + r2 (down) and l + 6*c + r, 4*(c + r) (up), with
  * the edge forms 6*c + 8*r1 + 2*r2, 7*c + 4*(l1 + r1) + l2, 8*(c + r1)
  * (down) and 6*c + 2*r, l + 7*c, 8*c (up); the horizontal pass runs first
- * and the vertical pass combines its rows with the same forms.
+ * and the vertical pass combines its rows with the same forms. A NaN result
+ * is stored as the quiet NaN 0x7FC00000 (payloads are not kept).
+ * Destination rows of large images (source and destination together 16 MiB
+ * or more) are written with non-temporal stores that bypass the caches.
  *
  * pBuffer is scratch of the size reported by the matching size query for
  * the ROI width, type and channel count; it needs no alignment and its

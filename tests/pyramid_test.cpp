@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -140,7 +141,14 @@ std::vector<float> up_1d(const std::vector<float>& r) {
     return out;
 }
 
-// Rows first, then columns of the filtered rows, then the scale.
+float from_bits(uint32_t b) {
+    float f;
+    std::memcpy(&f, &b, 4);
+    return f;
+}
+
+// Rows first, then columns of the filtered rows, then the scale; every NaN
+// result is stored as the quiet NaN 0x7FC00000.
 std::vector<float> float_reference(const GuardedImage<float>& src, bool down) {
     const int w = src.width(), h = src.height(), ch = src.channels();
     auto pass = down ? down_1d : up_1d;
@@ -157,8 +165,10 @@ std::vector<float> float_reference(const GuardedImage<float>& src, bool down) {
             std::vector<float> column(h);
             for (int y = 0; y < h; ++y) column[y] = rows[y][x];
             const std::vector<float> v = pass(column);
-            for (int y = 0; y < o.height; ++y)
-                out[(static_cast<size_t>(y) * o.width + x) * ch + c] = v[y] * (down ? 0.00390625f : 0.015625f);
+            for (int y = 0; y < o.height; ++y) {
+                const float scaled = v[y] * (down ? 0.00390625f : 0.015625f);
+                out[(static_cast<size_t>(y) * o.width + x) * ch + c] = scaled == scaled ? scaled : from_bits(0x7FC00000u);
+            }
         }
     }
     return out;
@@ -364,6 +374,31 @@ TEST(PyramidValues, FloatFormulasFollowTheMirrorRule) {
             const std::vector<float> f = float_reference(src, down);
             const std::vector<long> sums = integer_sums(src, down);
             for (size_t i = 0; i < sums.size(); ++i) ASSERT_EQ(f[i], sums[i] / (down ? 256.0f : 64.0f)) << i;
+        }
+}
+
+// NaNs of any sign and payload, infinities of both signs and negative
+// zeros: one result on every path, NaNs stored as the quiet NaN.
+TEST(PyramidValues, SpecialFloats) {
+    const float specials[] = {from_bits(0x7FC12345u), from_bits(0xFFC00001u), from_bits(0x7F800001u),
+                              std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(),
+                              -0.0f, 0.0f, 3.0e38f};
+    for (const auto& f : filters<Oru32f>())
+        for (int width : {2, 6, 24, 38, 41}) {
+            if (f.down && width % 2) continue;
+            const int height = 6;
+            const OruSize o = out_size({width, height}, f.down);
+            GuardedImage<float> src(width, height, f.ch);
+            Rng rng(width);
+            for (int y = 0; y < height; ++y)
+                for (int i = 0; i < width * f.ch; ++i)
+                    src.row(y)[i] = rng.uniform(0, 5) == 0 ? specials[rng.uniform(0, 7)] : rng.uniform(-4.0f, 4.0f);
+            expect_same_on_every_path([&] {
+                GuardedImage<float> dst(o.width, o.height, f.ch);
+                run(f, src, dst);
+                expect_reference(src, dst, f.down);
+                return dst.region_bytes();
+            });
         }
 }
 

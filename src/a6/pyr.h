@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "core/image.h"
 #include "orucv.h"
@@ -168,19 +169,31 @@ static inline void down_h32_range(const float* s, int w, float* d, int x0, int x
 constexpr float kDownScale = 0.00390625f;  // 1/256
 constexpr float kUpScale = 0.015625f;      // 1/64
 
+// Every NaN result is stored as the quiet NaN 0x7FC00000: which of two NaN
+// operands an addition passes on depends on the instruction's operand
+// order, which compilers may swap, so payloads could differ between paths.
+constexpr uint32_t kQuietNan = 0x7FC00000u;
+static inline float scaled(float sum, float scale) {
+    const float v = sum * scale;
+    if (v == v) return v;
+    float nan;
+    std::memcpy(&nan, &kQuietNan, sizeof nan);
+    return nan;
+}
+
 static inline void down_v32_range(const float* const* r, int form, int i0, int n, float* d) {
     switch (form) {
     case kDownFirst:
-        for (int i = i0; i < n; ++i) d[i] = down_first(r[2][i], r[3][i], r[4][i]) * kDownScale;
+        for (int i = i0; i < n; ++i) d[i] = scaled(down_first(r[2][i], r[3][i], r[4][i]), kDownScale);
         break;
     case kDownLast:
-        for (int i = i0; i < n; ++i) d[i] = down_last(r[0][i], r[1][i], r[2][i], r[3][i]) * kDownScale;
+        for (int i = i0; i < n; ++i) d[i] = scaled(down_last(r[0][i], r[1][i], r[2][i], r[3][i]), kDownScale);
         break;
     case kDownPair:
-        for (int i = i0; i < n; ++i) d[i] = down_pair(r[2][i], r[3][i]) * kDownScale;
+        for (int i = i0; i < n; ++i) d[i] = scaled(down_pair(r[2][i], r[3][i]), kDownScale);
         break;
     default:
-        for (int i = i0; i < n; ++i) d[i] = down_inner(r[0][i], r[1][i], r[2][i], r[3][i], r[4][i]) * kDownScale;
+        for (int i = i0; i < n; ++i) d[i] = scaled(down_inner(r[0][i], r[1][i], r[2][i], r[3][i], r[4][i]), kDownScale);
     }
 }
 
@@ -243,24 +256,24 @@ static inline void up_v32_range(const float* a, const float* c, const float* b, 
                                 float* o) {
     switch (band) {
     case kUpFirst | kUpLast:
-        for (int i = i0; i < n; ++i) e[i] = o[i] = up_last(c[i]) * kUpScale;
+        for (int i = i0; i < n; ++i) e[i] = o[i] = scaled(up_last(c[i]), kUpScale);
         break;
     case kUpFirst:
         for (int i = i0; i < n; ++i) {
-            e[i] = up_first(c[i], b[i]) * kUpScale;
-            o[i] = up_odd(c[i], b[i]) * kUpScale;
+            e[i] = scaled(up_first(c[i], b[i]), kUpScale);
+            o[i] = scaled(up_odd(c[i], b[i]), kUpScale);
         }
         break;
     case kUpLast:
         for (int i = i0; i < n; ++i) {
-            e[i] = up_penult(a[i], c[i]) * kUpScale;
-            o[i] = up_last(c[i]) * kUpScale;
+            e[i] = scaled(up_penult(a[i], c[i]), kUpScale);
+            o[i] = scaled(up_last(c[i]), kUpScale);
         }
         break;
     default:
         for (int i = i0; i < n; ++i) {
-            e[i] = up_even(a[i], c[i], b[i]) * kUpScale;
-            o[i] = up_odd(c[i], b[i]) * kUpScale;
+            e[i] = scaled(up_even(a[i], c[i], b[i]), kUpScale);
+            o[i] = scaled(up_odd(c[i], b[i]), kUpScale);
         }
     }
 }

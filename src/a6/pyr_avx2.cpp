@@ -147,6 +147,13 @@ int up_v8_blocks(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n,
 inline __m256 mul(float k, __m256 v) { return _mm256_mul_ps(_mm256_set1_ps(k), v); }
 inline __m256 add(__m256 a, __m256 b) { return _mm256_add_ps(a, b); }
 
+// The scale, with any NaN replaced by the quiet NaN of the scalar twin.
+inline __m256 scaled_ps(__m256 sum, float scale) {
+    const __m256 v = _mm256_mul_ps(sum, _mm256_set1_ps(scale));
+    const __m256 nan = _mm256_castsi256_ps(_mm256_set1_epi32(static_cast<int>(kQuietNan)));
+    return _mm256_blendv_ps(v, nan, _mm256_cmp_ps(v, v, _CMP_UNORD_Q));
+}
+
 inline __m256 down_inner_ps(__m256 l2, __m256 l1, __m256 c, __m256 r1, __m256 r2) {
     return add(add(add(mul(6.0f, c), mul(4.0f, add(l1, r1))), l2), r2);
 }
@@ -205,7 +212,6 @@ int down_h32_c3_blocks(const float* s, int w, float* d, int x, ptrdiff_t ahead) 
 
 template <int kForm, bool kStream>
 int down_v32_blocks(const float* const* r, int n, float* d, int i) {
-    const __m256 scale = _mm256_set1_ps(kDownScale);
     for (; i <= n - 8; i += 8) {
         __m256 v;
         if (kForm == kDownFirst)
@@ -218,7 +224,7 @@ int down_v32_blocks(const float* const* r, int n, float* d, int i) {
         else
             v = down_inner_ps(_mm256_loadu_ps(r[0] + i), _mm256_loadu_ps(r[1] + i), _mm256_loadu_ps(r[2] + i),
                               _mm256_loadu_ps(r[3] + i), _mm256_loadu_ps(r[4] + i));
-        put<kStream>(d + i, _mm256_mul_ps(v, scale));
+        put<kStream>(d + i, scaled_ps(v, kDownScale));
     }
     return i;
 }
@@ -237,7 +243,6 @@ int up_h32_c1_blocks(const float* s, int w, float* d, int j, ptrdiff_t ahead) {
 
 template <int kBand, bool kStream>
 int up_v32_blocks(const float* a, const float* c, const float* b, int n, float* e, float* o, int i) {
-    const __m256 scale = _mm256_set1_ps(kUpScale);
     for (; i <= n - 8; i += 8) {
         const __m256 cv = _mm256_loadu_ps(c + i);
         __m256 ev, ov;
@@ -252,8 +257,8 @@ int up_v32_blocks(const float* a, const float* c, const float* b, int n, float* 
             const __m256 bv = _mm256_loadu_ps(b + i);
             ev = up_even_ps(_mm256_loadu_ps(a + i), cv, bv), ov = up_odd_ps(cv, bv);
         }
-        put<kStream>(e + i, _mm256_mul_ps(ev, scale));
-        put<kStream>(o + i, _mm256_mul_ps(ov, scale));
+        put<kStream>(e + i, scaled_ps(ev, kUpScale));
+        put<kStream>(o + i, scaled_ps(ov, kUpScale));
     }
     return i;
 }

@@ -238,6 +238,14 @@ inline __m128 up_first_ps(__m128 c, __m128 r) {
 inline __m128 up_penult_ps(__m128 l, __m128 c) { return _mm_add_ps(l, _mm_mul_ps(_mm_set1_ps(7.0f), c)); }
 inline __m128 up_last_ps(__m128 c) { return _mm_mul_ps(_mm_set1_ps(8.0f), c); }
 
+// The scale, with any NaN replaced by the quiet NaN of the scalar twin.
+inline __m128 scaled_ps(__m128 sum, float scale) {
+    const __m128 v = _mm_mul_ps(sum, _mm_set1_ps(scale));
+    const __m128 nan = _mm_cmpunord_ps(v, v);
+    return _mm_or_ps(_mm_andnot_ps(nan, v),
+                     _mm_and_ps(nan, _mm_castsi128_ps(_mm_set1_epi32(static_cast<int>(pyr_scalar::kQuietNan)))));
+}
+
 // Four outputs per step from three rolling loads: even and odd samples of
 // 2x - 2 .. 2x + 9 split by shuffles.
 inline int down_h32_c1_blocks(const float* s, int w, float* d, int x, ptrdiff_t ahead) {
@@ -286,7 +294,7 @@ inline __m128 down_v32_lanes(const float* const* r, int i) {
     else
         v = down_inner_ps(_mm_loadu_ps(r[0] + i), _mm_loadu_ps(r[1] + i), _mm_loadu_ps(r[2] + i),
                           _mm_loadu_ps(r[3] + i), _mm_loadu_ps(r[4] + i));
-    return _mm_mul_ps(v, _mm_set1_ps(pyr_scalar::kDownScale));
+    return scaled_ps(v, pyr_scalar::kDownScale);
 }
 
 template <int kForm, bool kStream = false>
@@ -327,7 +335,6 @@ inline int up_h32_c3_blocks(const float* s, int w, float* d, int j, ptrdiff_t ah
 
 template <int kBand, bool kStream = false>
 inline int up_v32_blocks(const float* a, const float* c, const float* b, int n, float* e, float* o, int i) {
-    const __m128 scale = _mm_set1_ps(pyr_scalar::kUpScale);
     for (; i <= n - 4; i += 4) {
         const __m128 cv = _mm_loadu_ps(c + i);
         __m128 ev, ov;
@@ -342,8 +349,8 @@ inline int up_v32_blocks(const float* a, const float* c, const float* b, int n, 
             const __m128 bv = _mm_loadu_ps(b + i);
             ev = up_even_ps(_mm_loadu_ps(a + i), cv, bv), ov = up_odd_ps(cv, bv);
         }
-        put<kStream>(e + i, _mm_mul_ps(ev, scale));
-        put<kStream>(o + i, _mm_mul_ps(ov, scale));
+        put<kStream>(e + i, scaled_ps(ev, pyr_scalar::kUpScale));
+        put<kStream>(o + i, scaled_ps(ov, pyr_scalar::kUpScale));
     }
     return i;
 }
