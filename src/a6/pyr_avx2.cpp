@@ -95,7 +95,9 @@ inline __m256i pack_ordered(__m256i a, __m256i b) {
 }
 
 template <bool kSigned, bool kStream>
-int down_v8_blocks(const uint16_t* const* r, int n, uint8_t* d, int i) {
+int down_v8_blocks(const uint16_t* const* rows, int n, uint8_t* d, int i) {
+    // A local copy of the row pointers stays in registers across the stores.
+    const uint16_t* const r[5] = {rows[0], rows[1], rows[2], rows[3], rows[4]};
     const __m256i bias = bias8(kSigned);
     for (; i <= n - 32; i += 32)
         put<kStream>(d + i, _mm256_xor_si256(pack_ordered(down_v8_lanes(r, i), down_v8_lanes(r, i + 16)), bias));
@@ -211,7 +213,8 @@ int down_h32_c3_blocks(const float* s, int w, float* d, int x, ptrdiff_t ahead) 
 }
 
 template <int kForm, bool kStream>
-int down_v32_blocks(const float* const* r, int n, float* d, int i) {
+int down_v32_blocks(const float* const* rows, int n, float* d, int i) {
+    const float* const r[5] = {rows[0], rows[1], rows[2], rows[3], rows[4]};
     for (; i <= n - 8; i += 8) {
         __m256 v;
         if (kForm == kDownFirst)

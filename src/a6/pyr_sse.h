@@ -134,7 +134,9 @@ inline __m128i down_v8_lanes(const uint16_t* const* r, int i) {
 }
 
 template <bool kSigned, bool kStream = false>
-inline int down_v8_blocks(const uint16_t* const* r, int n, uint8_t* d, int i) {
+inline int down_v8_blocks(const uint16_t* const* rows, int n, uint8_t* d, int i) {
+    // A local copy of the row pointers stays in registers across the stores.
+    const uint16_t* const r[5] = {rows[0], rows[1], rows[2], rows[3], rows[4]};
     const __m128i bias = bias8(kSigned);
     for (; i <= n - 16; i += 16)
         put<kStream>(d + i, _mm_xor_si128(_mm_packus_epi16(down_v8_lanes(r, i), down_v8_lanes(r, i + 8)), bias));
@@ -298,7 +300,8 @@ inline __m128 down_v32_lanes(const float* const* r, int i) {
 }
 
 template <int kForm, bool kStream = false>
-inline int down_v32_blocks(const float* const* r, int n, float* d, int i) {
+inline int down_v32_blocks(const float* const* rows, int n, float* d, int i) {
+    const float* const r[5] = {rows[0], rows[1], rows[2], rows[3], rows[4]};
     for (; i <= n - 4; i += 4) put<kStream>(d + i, down_v32_lanes<kForm>(r, i));
     return i;
 }
