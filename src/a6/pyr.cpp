@@ -1,3 +1,5 @@
+// Scalar pyramid row kernels (the twins every SIMD path must match), the
+// kernel choice, and the image-level 8-bit PyrDown kernels.
 #include "a6/pyr.h"
 
 #include "core/cpu.h"

@@ -66,7 +66,8 @@ const PyrKernels& pyr_kernels();
 // Ring row sizes in bytes, as the buffer-size queries define them (each the
 // byte count rounded up to a multiple of 16). PyrDown keeps 6 rows of
 // w/2 * ch sums (16-bit for 8-bit types, float for 32f) plus slack; PyrUp 3
-// rows of 2w * ch four-byte values plus slack.
+// rows with room for 2w * ch four-byte values plus slack, of which the 8-bit
+// rows use half: their sums never exceed 8 * 255 and are kept in 16 bits.
 static inline long long pyr_down_row_bytes(long long w, int ch, bool is_float) {
     const long long b = is_float ? 4 : 2, s = is_float ? 96 : 48;
     return (ch * (w / 2 * b + s) + 15) / 16 * 16;
