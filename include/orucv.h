@@ -388,6 +388,80 @@ ORUCV_API OruStatus oruiFloodFill_Grad8Con_32f_C1IR(Oru32f* pImage, int imageSte
                                                     OruConnectedComp* pRegion, Oru8u* pBuffer);
 
 /* ---- Gaussian pyramids ----------------------------------------------------- */
+/* One level of a Gaussian pyramid with the separable 5x5 kernel built from
+ * the row 1 4 6 4 1; channels are interleaved and filtered independently.
+ * Borders mirror about the edge pixel without repeating it (index -1 reads
+ * 1, index n reads n - 2); PyrUp mirrors the zero-inserted grid.
+ *
+ * PyrDown: the source ROI (width and height both even) becomes
+ * width/2 x height/2; destination pixel (x, y) is centred on source pixel
+ * (2x, 2y). 8u stores (sum + 128) >> 8 of the 256-weight sum, 8s
+ * floor((sum + 128) / 256), 32f sum * (1/256).
+ * PyrUp: the source ROI becomes 2*width x 2*height (zeros inserted between
+ * pixels, smoothed with total weight 64 per output); 8u and 8s store
+ * (sum + 32) >> 6 (arithmetic shift), 32f sum * (1/64).
+ * 32f sums are evaluated left to right as written: inside
+ * 6*c + 4*(l1 + r1) + l2 + r2 (down) and l + 6*c + r, 4*(c + r) (up), with
+ * the edge forms 6*c + 8*r1 + 2*r2, 7*c + 4*(l1 + r1) + l2, 8*(c + r1)
+ * (down) and 6*c + 2*r, l + 7*c, 8*c (up); the horizontal pass runs first
+ * and the vertical pass combines its rows with the same forms. A NaN result
+ * is stored as the quiet NaN 0x7FC00000 (payloads are not kept).
+ * Destination rows of large images (source and destination together 16 MiB
+ * or more) are written with non-temporal stores that bypass the caches.
+ *
+ * pBuffer is scratch of the size reported by the matching size query for
+ * the ROI width, type and channel count; it needs no alignment and its
+ * contents on return are unspecified.
+ *
+ * Checks, first failure wins:
+ *  1. pSrc, pDst or pBuffer NULL: oruStsNullPointer.
+ *  2. All oruStsSize (never a step status), with e the element size
+ *     (4 for 32f, else 1) and ch the channel count:
+ *     PyrDown: width or height negative, srcStep < width*ch*e,
+ *       dstStep < (width/2)*ch*e, width or height odd;
+ *     PyrUp: width or height negative, srcStep < width*ch*e,
+ *       dstStep < 2*width*ch*e;
+ *     32f: srcStep or dstStep not a multiple of 4.
+ *  3. A zero width or height returns oruStsOk and writes nothing. */
+ORUCV_API OruStatus oruiPyrDown_Gauss5x5_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrDown_Gauss5x5_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrDown_Gauss5x5_8s_C1R(const Oru8s* pSrc, int srcStep, Oru8s* pDst, int dstStep,
+                                                OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrDown_Gauss5x5_8s_C3R(const Oru8s* pSrc, int srcStep, Oru8s* pDst, int dstStep,
+                                                OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrDown_Gauss5x5_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrDown_Gauss5x5_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrUp_Gauss5x5_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                              OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrUp_Gauss5x5_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                              OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrUp_Gauss5x5_8s_C1R(const Oru8s* pSrc, int srcStep, Oru8s* pDst, int dstStep,
+                                              OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrUp_Gauss5x5_8s_C3R(const Oru8s* pSrc, int srcStep, Oru8s* pDst, int dstStep,
+                                              OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrUp_Gauss5x5_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                               OruSize roiSize, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiPyrUp_Gauss5x5_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                               OruSize roiSize, Oru8u* pBuffer);
+
+/* Scratch sizes in bytes for a source ROI width, a data type (oruDataType8u,
+ * oruDataType8s, oruDataType32f) and a channel count (1 or 3):
+ *   PyrDown: 6 * R, R = (ch * (width/2 * b + s) + 15) rounded down to a
+ *            multiple of 16, b = 2, s = 48 for 8u/8s, b = 4, s = 96 for 32f;
+ *   PyrUp:   3 * ((ch * (width * 8 + 96) + 15) rounded down to a multiple
+ *            of 16), for every type.
+ * Checks: pBufferSize NULL: oruStsNullPointer. Otherwise *pBufferSize is set
+ * to 0 and the query fails with oruStsSize for a negative width (PyrDown:
+ * also an odd width), then oruStsNumChannels for a channel count other than
+ * 1 or 3, then oruStsDataType for an unknown type, then oruStsSize when the
+ * size does not fit an int; on success the size is stored. */
+ORUCV_API OruStatus oruiPyrDownGetBufSize_Gauss5x5(int roiWidth, int dataType, int channels, int* pBufferSize);
+ORUCV_API OruStatus oruiPyrUpGetBufSize_Gauss5x5(int roiWidth, int dataType, int channels, int* pBufferSize);
+
 
 /* ---- Accumulators ---------------------------------------------------------- */
 /* Running accumulation into a one-channel float accumulator pSrcDst, updated
