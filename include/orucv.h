@@ -353,8 +353,9 @@ typedef struct OruConnectedComp {
  * through pixels equal to the seed's value is set to newVal. For 32f, values
  * compare as floats (-0.0 equals +0.0) and NaNs form one class: a NaN seed
  * fills the NaN pixels connected to it, other seeds never take NaN pixels.
- * When the seed pixel already holds newVal (in that sense) the call returns
- * oruStsOk at once and writes nothing, pRegion included. */
+ * When the seed pixel already holds newVal (in that sense), or a 32f newVal
+ * is a NaN, the call returns oruStsOk at once and writes nothing, pRegion
+ * included. */
 ORUCV_API OruStatus oruiFloodFillGetSize(OruSize roiSize, int* pBufSize);
 ORUCV_API OruStatus oruiFloodFill_4Con_8u_C1IR(Oru8u* pImage, int imageStep, OruSize roiSize, OruPoint seed,
                                                int newVal, OruConnectedComp* pRegion, Oru8u* pBuffer);

@@ -10,9 +10,11 @@ using namespace orucv;
 
 namespace {
 
-// Equal as the fill compares them: floats by value, and NaN with NaN.
-inline bool same_value(Oru8u a, Oru8u b) { return a == b; }
-inline bool same_value(Oru32f a, Oru32f b) { return a == b || (a != a && b != b); }
+// Whether the seed pixel already holds the fill value, so that there is
+// nothing to fill: floats compare by value, and a NaN fill value counts as
+// held by every seed (a NaN seed is unordered with it too).
+inline bool holds_fill(Oru8u seed, Oru8u fill) { return seed == fill; }
+inline bool holds_fill(Oru32f seed, Oru32f fill) { return seed == fill || fill != fill; }
 
 template <class T>
 void write_region(OruConnectedComp* region, const a6::FillResult& r, double value) {
@@ -32,7 +34,7 @@ OruStatus flood_fill(T* pImage, int imageStep, OruSize roi, OruPoint seed, V new
     if (seed.x < 0 || seed.x >= roi.width || seed.y < 0 || seed.y >= roi.height) return oruStsOutOfRange;
     if (!kFloat && (newVal < 0 || newVal >= 256)) return oruStsBadArg;
     const T fill = static_cast<T>(newVal);
-    if (same_value(row_at(pImage, imageStep, seed.y)[seed.x], fill)) return oruStsOk;
+    if (holds_fill(row_at(pImage, imageStep, seed.y)[seed.x], fill)) return oruStsOk;
 
     // The buffer the size query describes; only a region whose size wrapped
     // around 32 bits can leave it short of the one bit per pixel that the

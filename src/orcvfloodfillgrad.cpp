@@ -22,7 +22,9 @@ OruStatus grad_fill(T* pImage, int imageStep, OruSize roi, OruPoint seed, V newV
         if (!(minDelta >= 0) || !(maxDelta >= 0)) return oruStsOutOfRange;  // NaN fails too
     } else {
         if (newVal < 0 || newVal >= 256) return oruStsBadArg;
-        if (minDelta < 0 || maxDelta < 0 || minDelta + maxDelta >= 256) return oruStsOutOfRange;
+        // The sum is widened: two huge tolerances must not wrap into range.
+        if (minDelta < 0 || maxDelta < 0 || static_cast<long long>(minDelta) + maxDelta >= 256)
+            return oruStsOutOfRange;
     }
 
     // The mask must fit the buffer the size query describes; only a region
