@@ -403,8 +403,8 @@ ORUCV_API OruStatus oruiFloodFill_Grad8Con_32f_C1IR(Oru32f* pImage, int imageSte
  * (sum + 32) >> 6 (arithmetic shift), 32f sum * (1/64).
  * 32f sums are evaluated left to right as written: inside
  * 6*c + 4*(l1 + r1) + l2 + r2 (down) and l + 6*c + r, 4*(c + r) (up), with
- * the edge forms 6*c + 8*r1 + 2*r2, 7*c + 4*(l1 + r1) + l2, 8*(c + r1)
- * (down) and 6*c + 2*r, l + 7*c, 8*c (up); the horizontal pass runs first
+ * the edge forms 2*(3*c + 4*r1 + r2), 7*c + 4*(l1 + r1) + l2, 8*(c + r1)
+ * (down) and 2*(3*c + r), l + 7*c, 8*c (up); the horizontal pass runs first
  * and the vertical pass combines its rows with the same forms. A NaN result
  * is stored as the quiet NaN 0x7FC00000 (payloads are not kept).
  * Destination rows of large images (source and destination together 16 MiB

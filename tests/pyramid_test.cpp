@@ -120,7 +120,7 @@ std::vector<float> down_1d(const std::vector<float>& r) {
     for (int x = 0; x < n / 2; ++x) {
         const int i = 2 * x;
         if (n == 2) out[x] = 8.0f * (r[0] + r[1]);
-        else if (x == 0) out[x] = 6.0f * r[0] + 8.0f * r[1] + 2.0f * r[2];
+        else if (x == 0) out[x] = 2.0f * (3.0f * r[0] + 4.0f * r[1] + r[2]);
         else if (x == n / 2 - 1) out[x] = 7.0f * r[n - 2] + 4.0f * (r[n - 3] + r[n - 1]) + r[n - 4];
         else out[x] = 6.0f * r[i] + 4.0f * (r[i - 1] + r[i + 1]) + r[i - 2] + r[i + 2];
     }
@@ -133,7 +133,7 @@ std::vector<float> up_1d(const std::vector<float>& r) {
         out[0] = out[1] = 8.0f * r[0];
         return out;
     }
-    out[0] = 6.0f * r[0] + 2.0f * r[1];
+    out[0] = 2.0f * (3.0f * r[0] + r[1]);
     for (int j = 1; j < n - 1; ++j) out[2 * j] = r[j - 1] + 6.0f * r[j] + r[j + 1];
     for (int j = 0; j < n - 1; ++j) out[2 * j + 1] = 4.0f * (r[j] + r[j + 1]);
     out[2 * n - 2] = r[n - 2] + 7.0f * r[n - 1];
@@ -375,6 +375,46 @@ TEST(PyramidValues, FloatFormulasFollowTheMirrorRule) {
             const std::vector<long> sums = integer_sums(src, down);
             for (size_t i = 0; i < sums.size(); ++i) ASSERT_EQ(f[i], sums[i] / (down ? 256.0f : 64.0f)) << i;
         }
+}
+
+// The first output of either pass is twice a half-weight sum: values whose
+// sixfold or eightfold would overflow still give a finite result there.
+TEST(PyramidValues, FirstEdgeIsTwiceTheHalfSum) {
+    expect_same_on_every_path([] {
+        std::vector<uint8_t> out;
+        // Across: 8 * 5e37 overflows, 2 * (4 * 5e37 - 4e37) does not; the
+        // second row is the first negated, so the output is 0.
+        GuardedImage<float> a(4, 2), a_dst(2, 1);
+        const float row[4] = {0.0f, 5e37f, -4e37f, 0.0f};
+        for (int x = 0; x < 4; ++x) a.at(x, 0) = row[x], a.at(x, 1) = -row[x];
+        run(filters<Oru32f>()[0], a, a_dst);
+        EXPECT_EQ(a_dst.at(0, 0), 0.0f);
+        // Across, upwards: 6 * 1e38 overflows, 2 * (3e38 - 2.9e38) does not.
+        GuardedImage<float> b(2, 2), b_dst(4, 4);
+        b.at(0, 0) = 1e38f, b.at(1, 0) = -2.9e38f, b.at(0, 1) = b.at(1, 1) = 0.0f;
+        run(filters<Oru32f>()[2], b, b_dst);
+        EXPECT_FLOAT_EQ(b_dst.at(0, 0), 6 * 2e37f / 64);
+        // Down the columns, wide enough for every vector loop: rows of
+        // (v, 0) pairs filter to 8v, the top output is
+        // 2 * (4 * 5e37 - 4e37) / 256 while 8 * 5e37 overflows.
+        const float col[4] = {0.0f, 5e37f / 8, -4e37f / 8, 0.0f};
+        GuardedImage<float> c(80, 4), c_dst(40, 2);
+        for (int y = 0; y < 4; ++y)
+            for (int x = 0; x < 80; ++x) c.at(x, y) = x % 2 ? 0.0f : col[y];
+        run(filters<Oru32f>()[0], c, c_dst);
+        for (int x = 0; x < 40; ++x) EXPECT_FLOAT_EQ(c_dst.at(x, 0), 3.2e38f / 256) << x;
+        // Down the columns upwards: constant rows filter to 8v, the top
+        // output is 2 * (3e38 - 2.9e38) / 64 while 6 * 1e38 overflows.
+        GuardedImage<float> d(20, 2), d_dst(40, 4);
+        for (int x = 0; x < 20; ++x) d.at(x, 0) = 1e38f / 8, d.at(x, 1) = -2.9e38f / 8;
+        run(filters<Oru32f>()[2], d, d_dst);
+        for (int x = 0; x < 40; ++x) EXPECT_FLOAT_EQ(d_dst.at(x, 0), 2e37f / 64) << x;
+        for (const GuardedImage<float>* img : {&a_dst, &b_dst, &c_dst, &d_dst}) {
+            const auto bytes = img->region_bytes();
+            out.insert(out.end(), bytes.begin(), bytes.end());
+        }
+        return out;
+    });
 }
 
 // NaNs of any sign and payload, infinities of both signs and negative

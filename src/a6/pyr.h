@@ -143,12 +143,13 @@ static inline void down_v8_range(const uint16_t* const* r, int i0, int n, uint8_
 }
 
 // --- PyrDown, 32f: every sum in the order its formula is written, the edge
-// outputs with their own forms.
+// outputs with their own forms. The first output is twice its half-weight
+// sum, so it stays finite wherever that doubled sum does.
 
 static inline float down_inner(float a2, float a1, float c, float b1, float b2) {
     return ((6.0f * c + 4.0f * (a1 + b1)) + a2) + b2;
 }
-static inline float down_first(float c, float b1, float b2) { return (6.0f * c + 8.0f * b1) + 2.0f * b2; }
+static inline float down_first(float c, float b1, float b2) { return 2.0f * ((3.0f * c + 4.0f * b1) + b2); }
 static inline float down_last(float a2, float a1, float c, float b1) { return (7.0f * c + 4.0f * (a1 + b1)) + a2; }
 static inline float down_pair(float c, float b1) { return 8.0f * (c + b1); }
 
@@ -224,11 +225,11 @@ static inline void up_v8_range(const uint16_t* a, const uint16_t* c, const uint1
     }
 }
 
-// --- PyrUp, 32f.
+// --- PyrUp, 32f (the first output again twice its half-weight sum).
 
 static inline float up_even(float l, float c, float r) { return (l + 6.0f * c) + r; }
 static inline float up_odd(float c, float r) { return 4.0f * (c + r); }
-static inline float up_first(float c, float r) { return 6.0f * c + 2.0f * r; }
+static inline float up_first(float c, float r) { return 2.0f * (3.0f * c + r); }
 static inline float up_penult(float l, float c) { return l + 7.0f * c; }
 static inline float up_last(float c) { return 8.0f * c; }
 

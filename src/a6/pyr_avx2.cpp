@@ -159,14 +159,16 @@ inline __m256 scaled_ps(__m256 sum, float scale) {
 inline __m256 down_inner_ps(__m256 l2, __m256 l1, __m256 c, __m256 r1, __m256 r2) {
     return add(add(add(mul(6.0f, c), mul(4.0f, add(l1, r1))), l2), r2);
 }
-inline __m256 down_first_ps(__m256 c, __m256 r1, __m256 r2) { return add(add(mul(6.0f, c), mul(8.0f, r1)), mul(2.0f, r2)); }
+inline __m256 down_first_ps(__m256 c, __m256 r1, __m256 r2) {
+    return mul(2.0f, add(add(mul(3.0f, c), mul(4.0f, r1)), r2));
+}
 inline __m256 down_last_ps(__m256 l2, __m256 l1, __m256 c, __m256 r1) {
     return add(add(mul(7.0f, c), mul(4.0f, add(l1, r1))), l2);
 }
 inline __m256 down_pair_ps(__m256 c, __m256 r1) { return mul(8.0f, add(c, r1)); }
 inline __m256 up_even_ps(__m256 l, __m256 c, __m256 r) { return add(add(l, mul(6.0f, c)), r); }
 inline __m256 up_odd_ps(__m256 c, __m256 r) { return mul(4.0f, add(c, r)); }
-inline __m256 up_first_ps(__m256 c, __m256 r) { return add(mul(6.0f, c), mul(2.0f, r)); }
+inline __m256 up_first_ps(__m256 c, __m256 r) { return mul(2.0f, add(mul(3.0f, c), r)); }
 inline __m256 up_penult_ps(__m256 l, __m256 c) { return add(l, mul(7.0f, c)); }
 inline __m256 up_last_ps(__m256 c) { return mul(8.0f, c); }
 

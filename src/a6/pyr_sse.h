@@ -221,8 +221,8 @@ inline __m128 down_inner_ps(__m128 l2, __m128 l1, __m128 c, __m128 r1, __m128 r2
     return _mm_add_ps(_mm_add_ps(t, l2), r2);
 }
 inline __m128 down_first_ps(__m128 c, __m128 r1, __m128 r2) {
-    return _mm_add_ps(_mm_add_ps(_mm_mul_ps(_mm_set1_ps(6.0f), c), _mm_mul_ps(_mm_set1_ps(8.0f), r1)),
-                      _mm_mul_ps(_mm_set1_ps(2.0f), r2));
+    const __m128 half = _mm_add_ps(_mm_mul_ps(_mm_set1_ps(3.0f), c), _mm_mul_ps(_mm_set1_ps(4.0f), r1));
+    return _mm_mul_ps(_mm_set1_ps(2.0f), _mm_add_ps(half, r2));
 }
 inline __m128 down_last_ps(__m128 l2, __m128 l1, __m128 c, __m128 r1) {
     const __m128 t = _mm_add_ps(_mm_mul_ps(_mm_set1_ps(7.0f), c), _mm_mul_ps(_mm_set1_ps(4.0f), _mm_add_ps(l1, r1)));
@@ -235,7 +235,7 @@ inline __m128 up_even_ps(__m128 l, __m128 c, __m128 r) {
 }
 inline __m128 up_odd_ps(__m128 c, __m128 r) { return _mm_mul_ps(_mm_set1_ps(4.0f), _mm_add_ps(c, r)); }
 inline __m128 up_first_ps(__m128 c, __m128 r) {
-    return _mm_add_ps(_mm_mul_ps(_mm_set1_ps(6.0f), c), _mm_mul_ps(_mm_set1_ps(2.0f), r));
+    return _mm_mul_ps(_mm_set1_ps(2.0f), _mm_add_ps(_mm_mul_ps(_mm_set1_ps(3.0f), c), r));
 }
 inline __m128 up_penult_ps(__m128 l, __m128 c) { return _mm_add_ps(l, _mm_mul_ps(_mm_set1_ps(7.0f), c)); }
 inline __m128 up_last_ps(__m128 c) { return _mm_mul_ps(_mm_set1_ps(8.0f), c); }
