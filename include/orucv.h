@@ -199,8 +199,8 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
  * Replicated neighbours collapse into one weight: the first row or column
  * uses big * (edge) + small * (next), the last small * (previous) + big *
  * (edge), with (c0, c1, c2, big, small) = (1, 2, 1, 3, 1) for Sobel and
- * (3k, 10k, 3k, 13k, 3k) for Scharr; a one-column row has m = 4 s (Sobel)
- * or 16k s (Scharr) and d = 0.
+ * (3k, 10k, 3k, 13k, 3k) for Scharr; a one-column row has
+ * m = big * s + small * s (exactly 4 s for Sobel) and d = 0.
  *
  * Checks, first failure returns (nothing is written on failure):
  *   1. pSrc or pDst NULL: oruStsNullPointer;

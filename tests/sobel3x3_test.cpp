@@ -80,14 +80,14 @@ int model_int(const GuardedImage<T>& s, Filter f, int x, int y, bool flip, int s
 
 // Float result in the library's documented order of roundings.
 struct W32f {
-    float c0, c1, c2, big, small, one;
+    float c0, c1, c2, big, small;
 };
 W32f weights(Filter f, int shift) {
-    if (f == Dx || f == Dy) return {1, 2, 1, 3, 1, 4};
+    if (f == Dx || f == Dy) return {1, 2, 1, 3, 1};
     float p = 1.0f;
     for (int i = 0; i < shift && p <= 3.4028235e38f; ++i) p *= 2.0f;
     const float k = 1.0f / p;
-    return {3 * k, 10 * k, 3 * k, 13 * k, 3 * k, 16 * k};
+    return {3 * k, 10 * k, 3 * k, 13 * k, 3 * k};
 }
 float model_32f(const GuardedImage<Oru32f>& s, Filter f, int x, int y, bool flip, int shift) {
     const int w = s.width(), h = s.height();
@@ -96,7 +96,7 @@ float model_32f(const GuardedImage<Oru32f>& s, Filter f, int x, int y, bool flip
         return w == 1 ? 0.0f : s.at(std::min(x + 1, w - 1), r) - s.at(std::max(x - 1, 0), r);
     };
     auto m = [&](int r) {
-        if (w == 1) return c.one * s.at(0, r);
+        if (w == 1) return c.big * s.at(0, r) + c.small * s.at(0, r);
         if (x == 0) return c.big * s.at(0, r) + c.small * s.at(1, r);
         if (x == w - 1) return c.small * s.at(x - 1, r) + c.big * s.at(x, r);
         return (c.c0 * s.at(x - 1, r) + c.c1 * s.at(x, r)) + c.c2 * s.at(x + 1, r);
@@ -295,6 +295,13 @@ TEST(Sobel3x3Values, OneColumn) {
     ASSERT_EQ(oruiSobel3x3_Dy_8u16s_C1R(s.data(), 1, d.data(), 2, 0, {1, 4}), oruStsOk);
     const int expected[4] = {4 * (50 - 10), 4 * (0 - 10), 4 * (255 - 50), 4 * (255 - 0)};
     for (int y = 0; y < 4; ++y) EXPECT_EQ(d.at(0, y), expected[y]);
+    // Float Scharr: the pixel is its own neighbour on both sides, so e keeps
+    // the rounded edge sum 13 s + 3 s, which for 0.1 is not 16 * 0.1.
+    GuardedImage<Oru32f> f(1, 2), fd(1, 2);
+    f.at(0, 0) = 0.1f, f.at(0, 1) = 0.0f;
+    ASSERT_EQ(oruiScharr_Dy_32f_C1R(f.data(), 4, fd.data(), 4, 0, {1, 2}, 0), oruStsOk);
+    EXPECT_EQ(fd.at(0, 0), -(13.0f * 0.1f + 3.0f * 0.1f));
+    EXPECT_NE(fd.at(0, 0), -16.0f * 0.1f);
 }
 
 // ---- Shift and origin ------------------------------------------------------

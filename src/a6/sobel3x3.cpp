@@ -114,14 +114,14 @@ void a6_orcvDy3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep
     for (; y < height; ++y) one_row(y);
 }
 
-Weights32f sobel_weights_32f() { return Weights32f{1.0f, 2.0f, 1.0f, 3.0f, 1.0f, 4.0f}; }
+Weights32f sobel_weights_32f() { return Weights32f{1.0f, 2.0f, 1.0f, 3.0f, 1.0f}; }
 
 Weights32f scharr_weights_32f(int shift) {
     float scale = 1.0f;
     // Once infinite, further doublings change nothing.
     for (int i = 0; i < shift && scale <= FLT_MAX; ++i) scale += scale;
     const float k = 1.0f / scale;
-    return Weights32f{3.0f * k, 10.0f * k, 3.0f * k, 13.0f * k, 3.0f * k, 16.0f * k};
+    return Weights32f{3.0f * k, 10.0f * k, 3.0f * k, 13.0f * k, 3.0f * k};
 }
 
 }  // namespace a6
