@@ -275,8 +275,11 @@ ORUCV_API OruStatus oruiCannyGetSize(OruSize roiSize, int* pBufferSize);
  * The magnitude pass reads row y of the x derivative at pSrcDx + y *
  * srcDyStep and of the y derivative at pSrcDy + y * srcDxStep (the steps are
  * exchanged there, and only there); with equal steps this makes no
- * difference. pBuffer holds at least oruiCannyGetSize bytes and is the only
- * memory used; its contents afterwards are unspecified.
+ * difference. Output rows closer than the width overlap: each byte keeps the
+ * last of the writes of columns 0 .. (width & ~7) - 1 of every row, then of
+ * the remaining columns of every row. pBuffer holds at least
+ * oruiCannyGetSize bytes and is the only memory used; its contents
+ * afterwards are unspecified.
  * Checks, in order: a NULL pointer (oruStsNullPointer); a step below 1
  * (oruStsStep); width or height below 1 (oruStsSize); an odd derivative
  * step (oruStsNotEvenStep; the output step may be odd); not
