@@ -175,7 +175,9 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
  * and Scharr kernels. The destination region has the source's size; every
  * neighbour beyond the region's edges is the nearest region pixel
  * (replication on all four sides), so nothing outside the two regions is
- * read or written. Source and destination must not overlap.
+ * read or written. Source and destination must not overlap; destination
+ * rows closer than a row width may overlap each other and are written top
+ * to bottom, so each value is that of the last row covering it.
  *
  * With d = s(x+1) - s(x-1) and m = s(x-1) + 2 s(x) + s(x+1) along a row:
  *   Dx   = d(y-1) + 2 d(y) + d(y+1)        D2x = [1 -2 1] across, [1 2 1] down
