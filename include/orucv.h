@@ -175,7 +175,9 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
  * and Scharr kernels. The destination region has the source's size; every
  * neighbour beyond the region's edges is the nearest region pixel
  * (replication on all four sides), so nothing outside the two regions is
- * read or written. Source and destination must not overlap.
+ * read or written. Source and destination must not overlap; destination
+ * rows closer than a row width may overlap each other and are written top
+ * to bottom, so each value is that of the last row covering it.
  *
  * With d = s(x+1) - s(x-1) and m = s(x-1) + 2 s(x) + s(x+1) along a row:
  *   Dx   = d(y-1) + 2 d(y) + d(y+1)        D2x = [1 -2 1] across, [1 2 1] down
@@ -199,8 +201,8 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
  * Replicated neighbours collapse into one weight: the first row or column
  * uses big * (edge) + small * (next), the last small * (previous) + big *
  * (edge), with (c0, c1, c2, big, small) = (1, 2, 1, 3, 1) for Sobel and
- * (3k, 10k, 3k, 13k, 3k) for Scharr; a one-column row has m = 4 s (Sobel)
- * or 16k s (Scharr) and d = 0.
+ * (3k, 10k, 3k, 13k, 3k) for Scharr; a one-column row has
+ * m = big * s + small * s (exactly 4 s for Sobel) and d = 0.
  *
  * Checks, first failure returns (nothing is written on failure):
  *   1. pSrc or pDst NULL: oruStsNullPointer;
@@ -275,8 +277,11 @@ ORUCV_API OruStatus oruiCannyGetSize(OruSize roiSize, int* pBufferSize);
  * The magnitude pass reads row y of the x derivative at pSrcDx + y *
  * srcDyStep and of the y derivative at pSrcDy + y * srcDxStep (the steps are
  * exchanged there, and only there); with equal steps this makes no
- * difference. pBuffer holds at least oruiCannyGetSize bytes and is the only
- * memory used; its contents afterwards are unspecified.
+ * difference. Output rows closer than the width overlap: each byte keeps the
+ * last of the writes of columns 0 .. (width & ~7) - 1 of every row, then of
+ * the remaining columns of every row. pBuffer holds at least
+ * oruiCannyGetSize bytes and is the only memory used; its contents
+ * afterwards are unspecified.
  * Checks, in order: a NULL pointer (oruStsNullPointer); a step below 1
  * (oruStsStep); width or height below 1 (oruStsSize); an odd derivative
  * step (oruStsNotEvenStep; the output step may be odd); not

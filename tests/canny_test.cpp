@@ -243,3 +243,33 @@ TEST(CannyStack, AdversarialInputAndShortStacks) {
         EXPECT_EQ(e, full) << capacity;
     }
 }
+
+// Output rows closer than a row width overlap: each byte keeps the last of
+// the row-by-row writes, first the columns of whole groups of 8 in every
+// row, then the remaining columns in every row.
+TEST(CannyValues, OverlappingOutputRows) {
+    for (int w : {13, 21, 40})
+        for (int step : {1, 5, w - 1}) {
+            Gradients g(w, 6);
+            g.dx.fill_random(w + step, -60, 60);
+            g.dy.fill_random(w * step, -60, 60);
+            const Edges edges = g.model(12, 40);
+            const int whole = w & ~7;
+            Edges expected(5 * step + w, 0);
+            for (int part = 0; part < 2; ++part)
+                for (int y = 0; y < 6; ++y)
+                    for (int x = part ? whole : 0; x < (part ? w : whole); ++x)
+                        expected[y * step + x] = edges[y * w + x];
+            int size = 0;
+            ASSERT_EQ(oruiCannyGetSize({w, 6}, &size), oruStsOk);
+            std::vector<uint8_t> buffer(size);
+            expect_same_on_every_path([&] {
+                Edges out(expected.size(), 7);
+                EXPECT_EQ(oruiCanny_16s8u_C1R(g.dx.data(), g.dx.step(), g.dy.data(), g.dy.step(), out.data(), step,
+                                              {w, 6}, 12, 40, buffer.data()),
+                          oruStsOk);
+                EXPECT_EQ(out, expected) << w << " step " << step;
+                return out;
+            });
+        }
+}

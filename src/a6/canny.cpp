@@ -121,6 +121,22 @@ void sweep_edges(uint8_t* map, ptrdiff_t pitch, int width, int height, uint8_t* 
     }
 }
 
+// Output rows that overlap (a step below the width) were written in another
+// order than row after row; rewriting them from the map in that order, first
+// the columns of whole groups of 8 in every row, then the remaining columns,
+// leaves every byte with the last value of those writes.
+void rewrite_overlapping_rows(const uint8_t* map, ptrdiff_t pitch, int width, int height, uint8_t* dst,
+                              int dstStep) {
+    const int whole = width & ~7;
+    for (int part = 0; part < 2; ++part)
+        for (int y = 0; y < height; ++y) {
+            const uint8_t* cells = map + (y + 1) * pitch + 1;
+            uint8_t* out = row_at(dst, dstStep, y);
+            for (int x = part ? whole : 0; x < (part ? width : whole); ++x)
+                out[x] = cells[x] == kCannyEdge ? 255 : 0;
+        }
+}
+
 }  // namespace
 
 bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t* pSrcDy, int srcDyStep,
@@ -174,6 +190,7 @@ bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t*
     grow_edges(map, pitch, stack, EdgeOutput{pDstEdges, dstEdgeStep, static_cast<uint32_t>(pitch)});
     const bool swept = stack.overflowed;
     if (swept) sweep_edges(map, pitch, width, height, pDstEdges, dstEdgeStep);
+    if (dstEdgeStep < width) rewrite_overlapping_rows(map, pitch, width, height, pDstEdges, dstEdgeStep);
     return swept;
 }
 

@@ -7,7 +7,8 @@
 // the seed stack. Hysteresis then grows edges from the seeds through weak
 // cells. The output row is written with the suppression (255 for strong
 // cells, 0 for the rest) and hysteresis sets 255 where it accepts a weak
-// cell, so no pass over the whole map is needed at the end.
+// cell, so no pass over the whole map is needed at the end (unless output
+// rows overlap, a step below the width: they are rewritten row by row).
 //
 // The scratch buffer (the caller's, canny_buffer_size bytes) holds:
 //  - the magnitude ring: 3 rows of width + 2 int16 cells, cell 0 and cell

@@ -29,6 +29,14 @@ const Sobel3x3Kernels& sobel3x3_kernels() { return ORUCV_CHOOSE(sobel3x3_kernels
 
 namespace {
 
+// True when destination rows `step` bytes apart do not overlap. Kernels that
+// write several rows at once interleave their stores, so they run only on
+// such rows; on overlapping rows every path writes row after row and the
+// later rows win alike.
+bool rows_apart(int step, int width, int element_bytes) {
+    return step >= static_cast<long long>(width) * element_bytes;
+}
+
 // Runs an integer row kernel over the image with replicated first and last
 // rows: the row pointers repeat, nothing is copied. Kernels with a pair form
 // (no origin) do their interior rows two at a time.
@@ -66,7 +74,8 @@ void a6_orcvFilter3x3_8u16s_C1R(IntFilter filter, const uint8_t* src, int srcSte
     const Pair8u pairs[7] = {k.pair_dx_8u, nullptr, k.pair_d2x_8u, k.pair_d2y_8u, nullptr, k.pair_scharr_dx_8u,
                              nullptr};
     const int i = static_cast<int>(filter);
-    int_image(rows[i], flip ? nullptr : pairs[i], src, srcStep, dst, dstStep, width, height, flip, shift);
+    const bool pair = !flip && rows_apart(dstStep, width, 2);
+    int_image(rows[i], pair ? pairs[i] : nullptr, src, srcStep, dst, dstStep, width, height, flip, shift);
 }
 
 void a6_orcvFilter3x3_8s16s_C1R(IntFilter filter, const int8_t* src, int srcStep, int16_t* dst, int dstStep,
@@ -76,7 +85,8 @@ void a6_orcvFilter3x3_8s16s_C1R(IntFilter filter, const int8_t* src, int srcStep
     const Pair8s pairs[7] = {k.pair_dx_8s, nullptr, k.pair_d2x_8s, k.pair_d2y_8s, nullptr, k.pair_scharr_dx_8s,
                              nullptr};
     const int i = static_cast<int>(filter);
-    int_image(rows[i], flip ? nullptr : pairs[i], src, srcStep, dst, dstStep, width, height, flip, shift);
+    const bool pair = !flip && rows_apart(dstStep, width, 2);
+    int_image(rows[i], pair ? pairs[i] : nullptr, src, srcStep, dst, dstStep, width, height, flip, shift);
 }
 
 // Interior rows weigh the differences of three rows; the first and last rows
@@ -87,10 +97,10 @@ void a6_orcvDx3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep
     k.dx2_32f(src, row_at(src, srcStep, 1), dst, width, w.big, w.small);
     // Interior rows in pairs: each source row's differences serve both.
     int y = 1;
-    for (; y < height - 2; y += 2)
+    for (; y < height - 2 && rows_apart(dstStep, width, 4); y += 2)
         k.dx3x2_32f(row_at(src, srcStep, y - 1), row_at(src, srcStep, y), row_at(src, srcStep, y + 1),
                     row_at(src, srcStep, y + 2), row_at(dst, dstStep, y), row_at(dst, dstStep, y + 1), width, w);
-    if (y < height - 1)
+    for (; y < height - 1; ++y)
         k.dx3_32f(row_at(src, srcStep, y - 1), row_at(src, srcStep, y), row_at(src, srcStep, y + 1),
                   row_at(dst, dstStep, y), width, w);
     k.dx2_32f(row_at(src, srcStep, height - 2), row_at(src, srcStep, height - 1), row_at(dst, dstStep, height - 1),
@@ -109,19 +119,19 @@ void a6_orcvDy3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep
     // Interior rows four at a time: six smoothed source rows serve them.
     one_row(0);
     int y = 1;
-    for (; y <= height - 5; y += 4)
+    for (; y <= height - 5 && rows_apart(dstStep, width, 4); y += 4)
         k.dy4_32f(row_at(src, srcStep, y - 1), srcStep, row_at(dst, dstStep, y), dstStep, width, flip, w);
     for (; y < height; ++y) one_row(y);
 }
 
-Weights32f sobel_weights_32f() { return Weights32f{1.0f, 2.0f, 1.0f, 3.0f, 1.0f, 4.0f}; }
+Weights32f sobel_weights_32f() { return Weights32f{1.0f, 2.0f, 1.0f, 3.0f, 1.0f}; }
 
 Weights32f scharr_weights_32f(int shift) {
     float scale = 1.0f;
     // Once infinite, further doublings change nothing.
     for (int i = 0; i < shift && scale <= FLT_MAX; ++i) scale += scale;
     const float k = 1.0f / scale;
-    return Weights32f{3.0f * k, 10.0f * k, 3.0f * k, 13.0f * k, 3.0f * k, 16.0f * k};
+    return Weights32f{3.0f * k, 10.0f * k, 3.0f * k, 13.0f * k, 3.0f * k};
 }
 
 }  // namespace a6

@@ -15,13 +15,15 @@
 //   horizontal smoothing   M(x) = (c0 s(x-1) + c1 s(x)) + c2 s(x+1),
 //                          first column big s(0) + small s(1),
 //                          last column small s(w-2) + big s(w-1),
-//                          one-column row one * s(0)
+//                          one-column row big s(0) + small s(0)
 //   Dx rows                (c0 D(y-1) + c1 D(y)) + c2 D(y+1),
 //                          first row big D(0) + small D(1),
 //                          last row small D(h-2) + big D(h-1)
 //   Dy rows                M(y+1) - M(y-1) (rows clamped)
-// Sobel uses c = (1, 2, 1), big 3, small 1, one 4; Scharr (3k, 10k, 3k),
-// big 13k, small 3k, one 16k with k = 1 / 2^shift.
+// Sobel uses c = (1, 2, 1), big 3, small 1; Scharr (3k, 10k, 3k), big 13k,
+// small 3k with k = 1 / 2^shift. A one-column row is both the first and the
+// last column, its neighbours being the pixel itself: it keeps the two-term
+// edge sum (for Sobel exactly 4 s(0); for Scharr not always 16k s(0)).
 //
 // The scalar twins are static inline so that every translation unit (each
 // compiled for its own instruction set) keeps its own copy for row edges.
@@ -67,7 +69,7 @@ static inline int clamp_shift(int shift) { return shift < 15 ? shift : 15; }
 // Float weights of one filter (see the header comment).
 struct Weights32f {
     float c0, c1, c2;
-    float big, small, one;
+    float big, small;
 };
 
 // Integer row: up, mid, down are the source rows y-1, y, y+1 (replicated at
@@ -196,7 +198,7 @@ static inline float diff_32f(const float* r, int x, int width) {
 
 // Horizontal smoothing with the collapsed edge sums.
 static inline float smooth_32f(const float* r, int x, int width, const Weights32f& w) {
-    if (width == 1) return w.one * r[0];
+    if (width == 1) return w.big * r[0] + w.small * r[0];
     if (x == 0) return w.big * r[0] + w.small * r[1];
     if (x == width - 1) return w.small * r[x - 1] + w.big * r[x];
     return (w.c0 * r[x - 1] + w.c1 * r[x]) + w.c2 * r[x + 1];
