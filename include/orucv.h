@@ -202,7 +202,8 @@ ORUCV_API OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette,
  * uses big * (edge) + small * (next), the last small * (previous) + big *
  * (edge), with (c0, c1, c2, big, small) = (1, 2, 1, 3, 1) for Sobel and
  * (3k, 10k, 3k, 13k, 3k) for Scharr; a one-column row has
- * m = big * s + small * s (exactly 4 s for Sobel) and d = 0.
+ * m = big * s + small * s (exactly 4 s for Sobel) and d = 0. A NaN result
+ * is stored as the quiet NaN 0x7FC00000 whatever payloads met on the way.
  *
  * Checks, first failure returns (nothing is written on failure):
  *   1. pSrc or pDst NULL: oruStsNullPointer;

@@ -31,6 +31,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 namespace orucv {
@@ -188,6 +189,16 @@ static inline void row_int_pair(const S* r0, const S* r1, const S* r2, const S* 
     row_int<K>(r1, r2, r3, d1, width, count);
 }
 
+// Float results that are NaN are stored as the one quiet NaN 0x7FC00000:
+// which payload a sum of two NaNs keeps depends on the operand order, which
+// the compiler chooses, so no path may pass payloads through.
+static inline float canonical_nan(float v) {
+    if (v == v) return v;
+    const uint32_t quiet = 0x7FC00000u;
+    std::memcpy(&v, &quiet, sizeof v);
+    return v;
+}
+
 // Horizontal difference with clamped columns; 0 on a one-column row.
 static inline float diff_32f(const float* r, int x, int width) {
     if (width == 1) return 0.0f;
@@ -206,15 +217,16 @@ static inline float smooth_32f(const float* r, int x, int width, const Weights32
 
 static inline float dx3_pixel(const float* up, const float* mid, const float* down, int x, int width,
                               const Weights32f& w) {
-    return (w.c0 * diff_32f(up, x, width) + w.c1 * diff_32f(mid, x, width)) + w.c2 * diff_32f(down, x, width);
+    return canonical_nan((w.c0 * diff_32f(up, x, width) + w.c1 * diff_32f(mid, x, width)) +
+                         w.c2 * diff_32f(down, x, width));
 }
 
 static inline float dx2_pixel(const float* a, const float* b, int x, int width, float ca, float cb) {
-    return ca * diff_32f(a, x, width) + cb * diff_32f(b, x, width);
+    return canonical_nan(ca * diff_32f(a, x, width) + cb * diff_32f(b, x, width));
 }
 
 static inline float dy_pixel(const float* up, const float* down, int x, int width, const Weights32f& w) {
-    return smooth_32f(down, x, width, w) - smooth_32f(up, x, width, w);
+    return canonical_nan(smooth_32f(down, x, width, w) - smooth_32f(up, x, width, w));
 }
 
 static inline void dx3_32f_edges(const float* up, const float* mid, const float* down, float* dst, int width,
@@ -237,8 +249,8 @@ static inline void dx3_32f(const float* up, const float* mid, const float* down,
                            const Weights32f& w) {
     dx3_32f_edges(up, mid, down, dst, width, w);
     for (int x = 1; x < width - 1; ++x)
-        dst[x] = (w.c0 * (up[x + 1] - up[x - 1]) + w.c1 * (mid[x + 1] - mid[x - 1])) +
-                 w.c2 * (down[x + 1] - down[x - 1]);
+        dst[x] = canonical_nan((w.c0 * (up[x + 1] - up[x - 1]) + w.c1 * (mid[x + 1] - mid[x - 1])) +
+                               w.c2 * (down[x + 1] - down[x - 1]));
 }
 
 static inline void dx3x2_32f(const float* r0, const float* r1, const float* r2, const float* r3, float* d0,
@@ -249,7 +261,8 @@ static inline void dx3x2_32f(const float* r0, const float* r1, const float* r2, 
 
 static inline void dx2_32f(const float* a, const float* b, float* dst, int width, float ca, float cb) {
     dx2_32f_edges(a, b, dst, width, ca, cb);
-    for (int x = 1; x < width - 1; ++x) dst[x] = ca * (a[x + 1] - a[x - 1]) + cb * (b[x + 1] - b[x - 1]);
+    for (int x = 1; x < width - 1; ++x)
+        dst[x] = canonical_nan(ca * (a[x + 1] - a[x - 1]) + cb * (b[x + 1] - b[x - 1]));
 }
 
 static inline void dy_32f(const float* up, const float* down, float* dst, int width, const Weights32f& w) {
@@ -257,7 +270,7 @@ static inline void dy_32f(const float* up, const float* down, float* dst, int wi
     for (int x = 1; x < width - 1; ++x) {
         const float m_down = (w.c0 * down[x - 1] + w.c1 * down[x]) + w.c2 * down[x + 1];
         const float m_up = (w.c0 * up[x - 1] + w.c1 * up[x]) + w.c2 * up[x + 1];
-        dst[x] = m_down - m_up;
+        dst[x] = canonical_nan(m_down - m_up);
     }
 }
 

@@ -33,7 +33,11 @@ struct FOps {
     static F add(F a, F b) { return _mm256_add_ps(a, b); }
     static F sub(F a, F b) { return _mm256_sub_ps(a, b); }
     static F mul(F a, F b) { return _mm256_mul_ps(a, b); }
-    static void store(float* p, F v) { _mm256_storeu_ps(p, v); }
+    // NaN lanes become the quiet NaN 0x7FC00000, as on every path.
+    static void store(float* p, F v) {
+        const __m256 quiet = _mm256_castsi256_ps(_mm256_set1_epi32(0x7FC00000));
+        _mm256_storeu_ps(p, _mm256_blendv_ps(v, quiet, _mm256_cmp_ps(v, v, _CMP_UNORD_Q)));
+    }
 };
 
 }  // namespace

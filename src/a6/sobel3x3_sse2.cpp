@@ -46,9 +46,14 @@ struct FOps {
     static F add(F a, F b) { return F{_mm_add_ps(a.lo, b.lo), _mm_add_ps(a.hi, b.hi)}; }
     static F sub(F a, F b) { return F{_mm_sub_ps(a.lo, b.lo), _mm_sub_ps(a.hi, b.hi)}; }
     static F mul(F a, F b) { return F{_mm_mul_ps(a.lo, b.lo), _mm_mul_ps(a.hi, b.hi)}; }
+    // NaN lanes become the quiet NaN 0x7FC00000, as on every path.
+    static __m128 canonical(__m128 v) {
+        const __m128 nan = _mm_cmpunord_ps(v, v);
+        return _mm_or_ps(_mm_andnot_ps(nan, v), _mm_and_ps(nan, _mm_castsi128_ps(_mm_set1_epi32(0x7FC00000))));
+    }
     static void store(float* p, F v) {
-        _mm_storeu_ps(p, v.lo);
-        _mm_storeu_ps(p + 4, v.hi);
+        _mm_storeu_ps(p, canonical(v.lo));
+        _mm_storeu_ps(p + 4, canonical(v.hi));
     }
 };
 
