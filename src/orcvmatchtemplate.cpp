@@ -7,7 +7,8 @@
 // the strip advances by one source column (each row takes the new element in
 // the slot the previous view's next row no longer needs), the per-row sums
 // follow the advance, the patch sums run down the column, a column kernel
-// gives the block results and a score kernel turns them into floats.
+// gives the scores, which leave for the destination several columns at a
+// time.
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -32,6 +33,9 @@ int64_t block_bytes(int64_t n) { return (n + 47) & ~int64_t(31); }
 struct Layout {
     int64_t strip, block, row_sum, row_sq, patch, total;
 };
+
+// Destination rows per band of a byte image (see the sweep).
+constexpr int kByteBand = 64;
 
 // False when the scratch would not fit an int.
 bool match_layout(OruSize src, OruSize tpl, int element, bool coeff, bool normed, Layout* out) {
@@ -71,26 +75,45 @@ OruStatus check_match(const void* pSrc, int srcStep, OruSize src, const void* pT
 // source element src_col[i] in its last slot, which held the first element
 // of row i + 1 of the previous view; that element leaves row i + 1, so it is
 // read before being overwritten. Row sums follow with old = the leaving and
-// new = the entering element.
+// new = the entering element, and the patch sums of the column follow the
+// row sums in the same pass: patch y is complete once row y + height - 1 is.
 template <class T, bool kSum, bool kSq>
-void advance_strip(T* view, const T* src_col, int srcStep, int height, int width,
-                   typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq) {
+void advance_strip(T* view, const T* src_col, int srcStep, int rows, int width, int height,
+                   typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
+                   typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq) {
     using Acc = typename MatchAcc<T>::type;
     T leaving = view[-1];
-    for (int i = 0; i < height; ++i) {
+    Acc ps = 0, pq = 0;
+    for (int i = 0; i < rows; ++i) {
         T* slot = view + static_cast<ptrdiff_t>(i) * width + width - 1;
         const T entering = *row_at(src_col, srcStep, i);
-        const T next_leaving = i + 1 < height ? *slot : T(0);
+        const T next_leaving = i + 1 < rows ? *slot : T(0);
         *slot = entering;
         if (kSum || kSq) {
+            // The new row sums stay in registers for the patch sums.
+            Acc rs = 0, rq = 0;
             if (sizeof(T) == 1) {
                 const int o = leaving, e = entering;
-                if (kSum) row_sum[i] += e - o;
-                if (kSq) row_sq[i] += static_cast<Acc>((o + e) * (e - o));
+                if (kSum) row_sum[i] = rs = row_sum[i] + (e - o);
+                if (kSq) row_sq[i] = rq = row_sq[i] + static_cast<Acc>((o + e) * (e - o));
             } else {
                 const double o = leaving, e = entering;
-                if (kSum) row_sum[i] += e - o;
-                if (kSq) row_sq[i] += (o + e) * (e - o);
+                if (kSum) row_sum[i] = rs = row_sum[i] + (e - o);
+                if (kSq) row_sq[i] = rq = row_sq[i] + (o + e) * (e - o);
+            }
+            const int y = i - height + 1;
+            if (y == 0) {
+                for (int j = 0; j < height; ++j) {
+                    if (kSum) ps += row_sum[j];
+                    if (kSq) pq += row_sq[j];
+                }
+            } else if (y > 0) {
+                if (kSum) ps = ps + rs - row_sum[y - 1];
+                if (kSq) pq = pq + rq - row_sq[y - 1];
+            }
+            if (y >= 0) {
+                if (kSum) patch_sum[y] = ps;
+                if (kSq) patch_sq[y] = pq;
             }
         }
         leaving = next_leaving;
@@ -99,15 +122,63 @@ void advance_strip(T* view, const T* src_col, int srcStep, int height, int width
 
 // Patch sums of every destination row of the column from the row values:
 // the first adds rows 0..height-1, each next one adds the row entering at
-// the bottom and subtracts the row leaving at the top.
-template <class Acc>
-void patch_sums(const Acc* row, int height, int count, Acc* out) {
-    Acc p = 0;
-    for (int j = 0; j < height; ++j) p += row[j];
-    out[0] = p;
+// the bottom and subtracts the row leaving at the top. Integer sums are
+// exact, so the difference of the two rows is taken first, off the chain
+// of additions; double sums add, then subtract. Either sum may be absent.
+inline void patch_sums(const int64_t* row_a, const int64_t* row_b, int height, int count, int64_t* out_a,
+                       int64_t* out_b) {
+    for (int pass = 0; pass < 2; ++pass) {
+        const int64_t* row = pass ? row_b : row_a;
+        int64_t* out = pass ? out_b : out_a;
+        if (!row) continue;
+        int64_t p = 0;
+        for (int j = 0; j < height; ++j) p += row[j];
+        out[0] = p;
+        for (int y = 1; y < count; ++y) {
+            p += row[y + height - 1] - row[y - 1];
+            out[y] = p;
+        }
+    }
+}
+
+inline void patch_sums(const double* row_a, const double* row_b, int height, int count, double* out_a,
+                       double* out_b) {
+    double a = 0.0, b = 0.0;
+    for (int j = 0; j < height; ++j) {
+        if (row_a) a += row_a[j];
+        if (row_b) b += row_b[j];
+    }
+    if (row_a) out_a[0] = a;
+    if (row_b) out_b[0] = b;
+    // Both running sums in one loop, so that their chains overlap.
+    if (row_a && row_b) {
+        for (int y = 1; y < count; ++y) {
+            a = a + row_a[y + height - 1] - row_a[y - 1];
+            b = b + row_b[y + height - 1] - row_b[y - 1];
+            out_a[y] = a;
+            out_b[y] = b;
+        }
+        return;
+    }
+    const double* row = row_a ? row_a : row_b;
+    double* out = row_a ? out_a : out_b;
+    double p = row_a ? a : b;
     for (int y = 1; y < count; ++y) {
         p = p + row[y + height - 1] - row[y - 1];
         out[y] = p;
+    }
+}
+
+// Writes n held columns of scores (row y at held_scores + y * held) into
+// the destination.
+void write_held(const float* held_scores, int held, int n, int rows, float* dst, int dstStep) {
+    for (int y = 0; y < rows; ++y) {
+        const float* from = held_scores + static_cast<ptrdiff_t>(y) * held;
+        float* to = row_at(dst, dstStep, y);
+        if (n == 16) std::memcpy(to, from, 16 * sizeof(float));
+        else if (n == 2) std::memcpy(to, from, 2 * sizeof(float));
+        else
+            for (int k = 0; k < n; ++k) to[k] = from[k];
     }
 }
 
@@ -128,14 +199,13 @@ OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplS
     uint8_t* base = pBuffer + ((32 - reinterpret_cast<uintptr_t>(pBuffer) % 32) % 32);
     T* packed = reinterpret_cast<T*>(base);
     T* strip = reinterpret_cast<T*>(base + layout.strip);
-    Acc* block = reinterpret_cast<Acc*>(base + layout.block);
     Acc* row_sum = coeff ? reinterpret_cast<Acc*>(base + layout.row_sum) : nullptr;
     Acc* row_sq = normed ? reinterpret_cast<Acc*>(base + layout.row_sq) : nullptr;
     Acc* patch_sum = coeff ? reinterpret_cast<Acc*>(base + layout.patch) : nullptr;
     Acc* patch_sq = normed ? reinterpret_cast<Acc*>(base + layout.patch) + (coeff ? rows : 0) : nullptr;
+    float* scores = reinterpret_cast<float*>(base + layout.block);
 
     for (int j = 0; j < th; ++j) std::memcpy(packed + static_cast<ptrdiff_t>(j) * tw, row_at(pTpl, tplStep, j), tw * sizeof(T));
-    for (int i = 0; i < sh; ++i) std::memcpy(strip + static_cast<ptrdiff_t>(i) * tw, row_at(pSrc, srcStep, i), tw * sizeof(T));
 
     const a6::MatchKernels& kernels = a6::match_kernels();
     const a6::BlockKernels<T>& bk = a6::block_kernels<T>(kernels);
@@ -153,22 +223,44 @@ OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplS
         c.r_tpl = a6::scalar::rsqrt(coeff ? t2 - t * c.k * t : t2);
     }
 
-    // Row sums of the first column.
-    for (int i = 0; i < sh; ++i) {
-        const T* r = strip + static_cast<ptrdiff_t>(i) * tw;
-        if (coeff) row_sum[i] = bk.sum(r, tw);
-        if (normed) row_sq[i] = bk.corr(r, r, tw);
-    }
+    // Float sums depend on the order of the running sums, so float images
+    // are swept over whole columns, exactly as the sums are defined. Byte
+    // sums are exact integers, which leaves the order free: there the
+    // destination is swept in bands of rows, each band column by column, so
+    // that a band's source rows, strip and sums stay in the first-level
+    // cache from one column to the next.
+    const int band = sizeof(T) == 1 ? kByteBand : rows;
+    // The block-result column (8 bytes per destination row) holds the
+    // scores of several columns of a band, which then go out together: two
+    // columns for whole columns, up to 16 (a cache line per row) for bands.
+    const int held_max = 2 * rows / (rows < band ? rows : band);
+    const int held = held_max < 16 ? held_max : 16;
+    const a6::ColumnScores<T> column = bk.column_scores[M];
+    for (int y0 = 0; y0 < rows; y0 += band) {
+        const int count = rows - y0 < band ? rows - y0 : band;
+        const int src_rows = count + th - 1;
+        const T* src = row_at(pSrc, srcStep, y0);
+        float* dst = row_at(pDst, dstStep, y0);
+        for (int i = 0; i < src_rows; ++i)
+            std::memcpy(strip + static_cast<ptrdiff_t>(i) * tw, row_at(src, srcStep, i), tw * sizeof(T));
 
-    const auto column = a6::method_sqdiff(M) ? bk.sqdiff_column : bk.corr_column;
-    const a6::ScoreColumn<Acc> scores = a6::score_columns(kernels, static_cast<Acc*>(nullptr))[M];
-    for (int x = 0; x < cols; ++x) {
-        T* view = strip + x;
-        if (x > 0) advance_strip<T, coeff, normed>(view, pSrc + x + tw - 1, srcStep, sh, tw, row_sum, row_sq);
-        if (coeff) patch_sums(row_sum, th, rows, patch_sum);
-        if (normed) patch_sums(row_sq, th, rows, patch_sq);
-        column(view, tw, th, rows, packed, block);
-        scores(block, patch_sum, patch_sq, rows, c, pDst + x, dstStep);
+        // Row and patch sums of the first column.
+        for (int i = 0; i < src_rows; ++i) {
+            const T* r = strip + static_cast<ptrdiff_t>(i) * tw;
+            if (coeff) row_sum[i] = bk.sum(r, tw);
+            if (normed) row_sq[i] = bk.corr(r, r, tw);
+        }
+        if (coeff || normed) patch_sums(row_sum, row_sq, th, count, patch_sum, patch_sq);
+
+        for (int x = 0; x < cols; ++x) {
+            T* view = strip + x;
+            if (x > 0)
+                advance_strip<T, coeff, normed>(view, src + x + tw - 1, srcStep, src_rows, tw, th, row_sum, row_sq,
+                                                patch_sum, patch_sq);
+            const int slot = x % held;
+            column(view, tw, th, count, packed, patch_sum, patch_sq, c, scores + slot, held);
+            if (slot == held - 1 || x == cols - 1) write_held(scores, held, slot + 1, count, dst + x - slot, dstStep);
+        }
     }
     return oruStsOk;
 }

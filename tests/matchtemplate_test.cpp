@@ -308,7 +308,7 @@ TEST(MatchTemplateValues, ExactByteSumsPastTwoToThe32) {
 // are not multiples of 8.
 template <class T>
 void check_against_model() {
-    const OruSize shapes[] = {{1, 1}, {3, 3}, {2, 5}, {5, 3}, {16, 16}, {8, 4}, {7, 9}, {24, 3}, {17, 2}};
+    const OruSize shapes[] = {{1, 1}, {3, 3}, {2, 5}, {5, 3}, {16, 16}, {8, 4}, {7, 9}, {24, 3}, {17, 2}, {13, 11}};
     for (const OruSize& ts : shapes) {
         GuardedImage<T> src(ts.width + 13, ts.height + 6, 1, 3 * sizeof(T), sizeof(T)), tpl(ts.width, ts.height);
         fill(src, ts.width * 100 + ts.height);
@@ -319,6 +319,25 @@ void check_against_model() {
 TEST(MatchTemplateValues, ModelUnsigned) { check_against_model<Oru8u>(); }
 TEST(MatchTemplateValues, ModelSigned) { check_against_model<Oru8s>(); }
 TEST(MatchTemplateValues, ModelFloat) { check_against_model<Oru32f>(); }
+
+// Tall sources: byte images are swept in bands of rows with several
+// columns of scores held back; every method still matches the model on
+// every path, bands and held columns included (199 rows, 78 columns).
+template <class T>
+void check_tall() {
+    GuardedImage<T> src(83, 203, 1, 5 * sizeof(T), 0), tpl(6, 5);
+    fill(src, 77);
+    fill(tpl, 78);
+    for (int m = 0; m < kMethods; ++m)
+        expect_same_on_every_path([&] {
+            const auto score = run_match(m, src, tpl, 9, 8);
+            expect_model(src, tpl, m, score);
+            return score;
+        });
+}
+TEST(MatchTemplateValues, TallUnsigned) { check_tall<Oru8u>(); }
+TEST(MatchTemplateValues, TallSigned) { check_tall<Oru8s>(); }
+TEST(MatchTemplateValues, TallFloat) { check_tall<Oru32f>(); }
 
 // A template cut from the source: squared difference exactly 0 there,
 // normalised correlation and coefficient 1, and the best of the
@@ -407,6 +426,8 @@ void check_paths() {
     for (int w = 1; w <= 20; ++w) shapes.push_back({w, 1 + w % 5});
     shapes.push_back({32, 4});
     shapes.push_back({16, 9});
+    shapes.push_back({13, 11});  // a long run with a tail
+    shapes.push_back({37, 5});
     shapes.push_back({200, 170});  // 34000 elements
     int k = 0;
     for (const OruSize& ts : shapes) {

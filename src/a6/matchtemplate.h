@@ -45,6 +45,25 @@ constexpr bool method_coeff(int m) { return m == kCoeff || m == kCoeffNormed; }
 constexpr bool method_normed(int m) { return m == kSqDiffNormed || m == kCorrNormed || m == kCoeffNormed; }
 constexpr bool method_sqdiff(int m) { return m == kSqDiff || m == kSqDiffNormed; }
 
+// Per-call constants of the score formulas.
+struct ScoreConstants {
+    double k;      // 1 / (N + 2^-52)
+    double neg_t;  // -T
+    double r_tpl;  // r(T2) or r(T2 - T^2 k)
+};
+
+// Scores of `count` consecutive blocks of one destination column: block y
+// is the run at runs + y * width (width * height elements), its sum of
+// squared differences (SqDiff methods) or of products (the others) with the
+// template meets the patch sums sum[y] and sum_sq[y] (read only by the
+// methods that use them) in the method's formula, and the float goes to
+// out[y * out_step]. Reads nothing outside the runs, the template and the
+// sums it uses.
+template <class T>
+using ColumnScores = void (*)(const T* runs, int width, int height, int count, const T* tpl,
+                              const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
+                              const ScoreConstants& c, float* out, int out_step);
+
 template <class T>
 struct BlockKernels {
     using Acc = typename MatchAcc<T>::type;
@@ -53,41 +72,21 @@ struct BlockKernels {
     // Sum of (a[i] - b[i])^2 and of a[i] * b[i] over i < n, n >= 1.
     Acc (*sqdiff)(const T* a, const T* b, int n);
     Acc (*corr)(const T* a, const T* b, int n);
-    // out[y] = sqdiff / corr of the run at runs + y * width (length
-    // width * height) with tpl, for y < count. Reads nothing outside those
-    // runs and the template.
-    void (*sqdiff_column)(const T* runs, int width, int height, int count, const T* tpl, Acc* out);
-    void (*corr_column)(const T* runs, int width, int height, int count, const T* tpl, Acc* out);
+    // Indexed by MatchMethod.
+    ColumnScores<T> column_scores[kMatchMethods];
 };
-
-// Per-call constants of the score formulas.
-struct ScoreConstants {
-    double k;       // 1 / (N + 2^-52)
-    double neg_t;   // -T
-    double r_tpl;   // r(T2) or r(T2 - T^2 k)
-};
-
-// Scores of one destination column: block[y], the patch sums sum[y] and
-// sum_sq[y] (only those the method uses are read) become the float at
-// dst + y * dst_step bytes, for y < count.
-template <class Acc>
-using ScoreColumn = void (*)(const Acc* block, const Acc* sum, const Acc* sum_sq, int count,
-                             const ScoreConstants& c, float* dst, ptrdiff_t dst_step);
 
 struct MatchKernels {
     BlockKernels<uint8_t> u8;
     BlockKernels<int8_t> s8;
     BlockKernels<float> f32;
-    ScoreColumn<int64_t> scores_int[kMatchMethods];
-    ScoreColumn<double> scores_float[kMatchMethods];
 };
 
-// The six score kernels of one accumulator type, in method order.
-#define ORUCV_MATCH_SCORES(fn, Acc)                                                                    \
-    {                                                                                                  \
-        fn<::orucv::a6::kSqDiff, Acc>, fn<::orucv::a6::kSqDiffNormed, Acc>, fn<::orucv::a6::kCorr, Acc>, \
-            fn<::orucv::a6::kCorrNormed, Acc>, fn<::orucv::a6::kCoeff, Acc>,                           \
-            fn<::orucv::a6::kCoeffNormed, Acc>                                                         \
+// The six column kernels of one pixel type, in method order.
+#define ORUCV_MATCH_COLUMNS(fn, T)                                                                    \
+    {                                                                                                 \
+        fn<T, ::orucv::a6::kSqDiff>, fn<T, ::orucv::a6::kSqDiffNormed>, fn<T, ::orucv::a6::kCorr>,    \
+            fn<T, ::orucv::a6::kCorrNormed>, fn<T, ::orucv::a6::kCoeff>, fn<T, ::orucv::a6::kCoeffNormed> \
     }
 
 extern const MatchKernels match_kernels_scalar;
@@ -103,9 +102,6 @@ template <>
 inline const BlockKernels<int8_t>& block_kernels<int8_t>(const MatchKernels& k) { return k.s8; }
 template <>
 inline const BlockKernels<float>& block_kernels<float>(const MatchKernels& k) { return k.f32; }
-
-inline const ScoreColumn<int64_t>* score_columns(const MatchKernels& k, int64_t*) { return k.scores_int; }
-inline const ScoreColumn<double>* score_columns(const MatchKernels& k, double*) { return k.scores_float; }
 
 namespace scalar {
 
@@ -133,9 +129,9 @@ static inline double rsqrt(double v) {
 static inline double to_double(int64_t v) { return static_cast<double>(v); }
 static inline double to_double(double v) { return v; }
 
+// The score of a block whose sum (exact for bytes) is b.
 template <int M, class Acc>
-static inline float score(Acc block, Acc sum, Acc sum_sq, const ScoreConstants& c) {
-    const double b = to_double(block);
+static inline float score(double b, Acc sum, Acc sum_sq, const ScoreConstants& c) {
     if (M == kSqDiff || M == kCorr) return static_cast<float>(b);
     if (M == kSqDiffNormed || M == kCorrNormed) return static_cast<float>(b * c.r_tpl * rsqrt(to_double(sum_sq)));
     const double s = to_double(sum);
@@ -146,15 +142,10 @@ static inline float score(Acc block, Acc sum, Acc sum_sq, const ScoreConstants& 
     return static_cast<float>(num * c.r_tpl * rsqrt(patch));
 }
 
-static inline float* float_at(float* base, ptrdiff_t step, int y) {
-    return reinterpret_cast<float*>(reinterpret_cast<char*>(base) + step * y);
-}
-
+// The score of block y, reading only the patch sums the method uses.
 template <int M, class Acc>
-static inline void score_column(const Acc* block, const Acc* sum, const Acc* sum_sq, int count,
-                                const ScoreConstants& c, float* dst, ptrdiff_t dst_step) {
-    for (int y = 0; y < count; ++y)
-        *float_at(dst, dst_step, y) = score<M>(block[y], sum ? sum[y] : Acc(0), sum_sq ? sum_sq[y] : Acc(0), c);
+static inline float score_at(double b, const Acc* sum, const Acc* sum_sq, int y, const ScoreConstants& c) {
+    return score<M>(b, sum ? sum[y] : Acc(0), sum_sq ? sum_sq[y] : Acc(0), c);
 }
 
 // ---- Byte images: exact integer sums ----
@@ -223,11 +214,24 @@ static inline double sum_32f(const float* p, int n) { return lanes_sum<SumTerm>(
 static inline double sqdiff_32f(const float* a, const float* b, int n) { return lanes_sum<SqDiffTerm>(a, b, n); }
 static inline double corr_32f(const float* a, const float* b, int n) { return lanes_sum<CorrTerm>(a, b, n); }
 
-// A column of blocks through a run kernel, one block at a time.
-template <class T, class Acc, Acc (*Run)(const T*, const T*, int)>
-static inline void column_by_runs(const T* runs, int width, int height, int count, const T* tpl, Acc* out) {
+static inline int64_t sqdiff_run(const uint8_t* a, const uint8_t* b, int n) { return sqdiff_bytes(a, b, n); }
+static inline int64_t sqdiff_run(const int8_t* a, const int8_t* b, int n) { return sqdiff_bytes(a, b, n); }
+static inline double sqdiff_run(const float* a, const float* b, int n) { return sqdiff_32f(a, b, n); }
+static inline int64_t corr_run(const uint8_t* a, const uint8_t* b, int n) { return corr_bytes(a, b, n); }
+static inline int64_t corr_run(const int8_t* a, const int8_t* b, int n) { return corr_bytes(a, b, n); }
+static inline double corr_run(const float* a, const float* b, int n) { return corr_32f(a, b, n); }
+
+// A column through the run kernels, one block at a time.
+template <class T, int M>
+static inline void column_scores(const T* runs, int width, int height, int count, const T* tpl,
+                                 const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
+                                 const ScoreConstants& c, float* out, int out_step) {
     const int n = width * height;
-    for (int y = 0; y < count; ++y) out[y] = Run(runs + static_cast<ptrdiff_t>(y) * width, tpl, n);
+    for (int y = 0; y < count; ++y) {
+        const T* run = runs + static_cast<ptrdiff_t>(y) * width;
+        const auto block = method_sqdiff(M) ? sqdiff_run(run, tpl, n) : corr_run(run, tpl, n);
+        out[static_cast<ptrdiff_t>(y) * out_step] = score_at<M>(to_double(block), sum, sum_sq, y, c);
+    }
 }
 
 }  // namespace scalar

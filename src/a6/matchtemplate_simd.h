@@ -21,6 +21,10 @@ constexpr int kExactBlock = 32768;
 // (8 KB); longer ones are summed run by run.
 constexpr int kStackTemplate = 1024;
 
+// Blocks summed before their scores are taken, so that the reciprocal
+// square roots of a batch run side by side rather than behind the sums.
+constexpr int kBatch = 64;
+
 // 16 bytes read from offset k (k = 0..16) keep the last k bytes.
 alignas(32) constexpr uint8_t kTailMask16[32] = {0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
                                                  0,    0,    0,    0,    0,    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,

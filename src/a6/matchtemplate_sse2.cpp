@@ -2,11 +2,12 @@
 //  - Bytes: 16-bit products summed in pairs into 32-bit lanes (pmaddwd),
 //    widened to 64 bits before a lane can overflow. A column is done four
 //    blocks at a time, so each template piece is widened once for four.
-//  - Floats: eight double lanes in four registers. A column of templates
-//    whose width is a multiple of 8 is done row by row: each strip row is
-//    converted once and serves every block of a pair that contains it, with
-//    the template converted to double once per column.
-//  - Scores: two at a time in double.
+//  - Floats: eight double lanes in four registers. Columns of templates
+//    whose width is a multiple of 8 are summed row by row, two blocks at a
+//    time: each strip row is converted once for every block of the pair
+//    that holds it, against the template converted to double once per
+//    column.
+//  - Scores: two at a time in double, a batch of blocks after its sums.
 #include <emmintrin.h>
 
 #include <type_traits>
@@ -98,14 +99,11 @@ int64_t sqdiff_bytes(const T* a, const T* b, int n) { return run_bytes<T, true>(
 template <class T>
 int64_t corr_bytes(const T* a, const T* b, int n) { return run_bytes<T, false>(a, b, n); }
 
-// Four blocks' 32-bit lanes to four sign-extended 64-bit totals.
-inline void store_totals(int64_t* out, __m128i a0, __m128i a1, __m128i a2, __m128i a3) {
+// Four blocks' 32-bit lanes to their four totals, block k in element k.
+inline __m128i totals4(__m128i a0, __m128i a1, __m128i a2, __m128i a3) {
     const __m128i t01 = _mm_add_epi32(_mm_unpacklo_epi32(a0, a1), _mm_unpackhi_epi32(a0, a1));
     const __m128i t23 = _mm_add_epi32(_mm_unpacklo_epi32(a2, a3), _mm_unpackhi_epi32(a2, a3));
-    const __m128i s = _mm_add_epi32(_mm_unpacklo_epi64(t01, t23), _mm_unpackhi_epi64(t01, t23));
-    const __m128i sign = _mm_srai_epi32(s, 31);
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out), _mm_unpacklo_epi32(s, sign));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 2), _mm_unpackhi_epi32(s, sign));
+    return _mm_add_epi32(_mm_unpacklo_epi64(t01, t23), _mm_unpackhi_epi64(t01, t23));
 }
 
 // The last piece of a run of n >= 8 bytes, as 16 bytes of which only
@@ -122,73 +120,80 @@ inline __m128i tail_mask(int n) {
     return _mm_or_si128(load(kTailMask16 + n - 8), _mm_set_epi32(0, 0, -1, -1));
 }
 
-// A column of blocks, four at a time, summed in 32-bit lanes: 16-byte
-// pieces, then the tail piece with the bytes already counted masked out (of
-// the template, and for squared differences of the strip too). Runs short
-// of 8 bytes, and runs long enough for a 32-bit total to overflow, go block
-// by block through the run kernel.
+// Block sums of a column of byte runs, four blocks at a time in 32-bit
+// lanes: 16-byte pieces, then the tail piece with the bytes already counted
+// masked out (of the template, and for squared differences of the strip
+// too). Runs short of 8 bytes, and runs long enough for a 32-bit total to
+// overflow, go block by block through the run kernel. Totals are exact in
+// double.
 template <class T, bool kSq>
-void column_bytes(const T* runs, int width, int height, int count, const T* tpl, int64_t* out) {
-    const int n = width * height;
-    if (n < 8 || n > kExactBlock) {
-        for (int y = 0; y < count; ++y) out[y] = run_bytes<T, kSq>(runs + static_cast<ptrdiff_t>(y) * width, tpl, n);
-        return;
+class ByteBlocks {
+public:
+    ByteBlocks(int width, int height, const T* tpl)
+        : width_(width), n_(width * height), tpl_(tpl), main_(n_ >= 16 ? n_ & ~15 : 0) {
+        if (n_ >= 8) {
+            mask_ = tail_mask(n_);
+            const __m128i vt = _mm_and_si128(tail_piece(tpl, n_), mask_);
+            tail_lo_ = Widen<T>::lo(vt);
+            tail_hi_ = Widen<T>::hi(vt);
+        }
     }
-    const int main = n >= 16 ? n & ~15 : 0;
-    const bool has_tail = main != n;
-    const __m128i mask = tail_mask(n);
-    const __m128i vt = _mm_and_si128(tail_piece(tpl, n), mask);
-    const __m128i tail_lo = Widen<T>::lo(vt), tail_hi = Widen<T>::hi(vt);
 
-    auto piece = [](__m128i acc, __m128i v, __m128i tl, __m128i th) {
+    void sums(const T* runs, int count, double* totals) const {
+        if (n_ < 8 || n_ > kExactBlock) {
+            for (int y = 0; y < count; ++y)
+                totals[y] = static_cast<double>(run_bytes<T, kSq>(runs + static_cast<ptrdiff_t>(y) * width_, tpl_, n_));
+            return;
+        }
+        int y = 0;
+        for (; y + 4 <= count; y += 4) {
+            const T* s0 = runs + static_cast<ptrdiff_t>(y) * width_;
+            const T* s1 = s0 + width_;
+            const T* s2 = s1 + width_;
+            const T* s3 = s2 + width_;
+            __m128i a0 = _mm_setzero_si128(), a1 = a0, a2 = a0, a3 = a0;
+            for (int i = 0; i < main_; i += 16) {
+                const __m128i t = load(tpl_ + i);
+                const __m128i tl = Widen<T>::lo(t), th = Widen<T>::hi(t);
+                a0 = piece(a0, load(s0 + i), tl, th);
+                a1 = piece(a1, load(s1 + i), tl, th);
+                a2 = piece(a2, load(s2 + i), tl, th);
+                a3 = piece(a3, load(s3 + i), tl, th);
+            }
+            const __m128i t4 = totals4(tail(s0, a0), tail(s1, a1), tail(s2, a2), tail(s3, a3));
+            _mm_storeu_pd(totals + y, _mm_cvtepi32_pd(t4));
+            _mm_storeu_pd(totals + y + 2, _mm_cvtepi32_pd(_mm_unpackhi_epi64(t4, t4)));
+        }
+        for (; y < count; ++y) {
+            const T* s = runs + static_cast<ptrdiff_t>(y) * width_;
+            __m128i a = _mm_setzero_si128();
+            for (int i = 0; i < main_; i += 16) {
+                const __m128i t = load(tpl_ + i);
+                a = piece(a, load(s + i), Widen<T>::lo(t), Widen<T>::hi(t));
+            }
+            a = tail(s, a);
+            a = _mm_add_epi32(a, _mm_shuffle_epi32(a, _MM_SHUFFLE(1, 0, 3, 2)));
+            a = _mm_add_epi32(a, _mm_shuffle_epi32(a, _MM_SHUFFLE(2, 3, 0, 1)));
+            totals[y] = _mm_cvtsi128_si32(a);
+        }
+    }
+
+private:
+    static __m128i piece(__m128i acc, __m128i v, __m128i tl, __m128i th) {
         return _mm_add_epi32(acc, _mm_add_epi32(madd<kSq>(Widen<T>::lo(v), tl), madd<kSq>(Widen<T>::hi(v), th)));
-    };
-    auto tail = [&](const T* s, __m128i acc) {
-        if (!has_tail) return acc;
-        __m128i v = tail_piece(s, n);
-        if (kSq) v = _mm_and_si128(v, mask);
-        return piece(acc, v, tail_lo, tail_hi);
-    };
-
-    int y = 0;
-    for (; y + 4 <= count; y += 4) {
-        const T* s0 = runs + static_cast<ptrdiff_t>(y) * width;
-        const T* s1 = s0 + width;
-        const T* s2 = s1 + width;
-        const T* s3 = s2 + width;
-        __m128i a0 = _mm_setzero_si128(), a1 = a0, a2 = a0, a3 = a0;
-        for (int i = 0; i < main; i += 16) {
-            const __m128i t = load(tpl + i);
-            const __m128i tl = Widen<T>::lo(t), th = Widen<T>::hi(t);
-            a0 = piece(a0, load(s0 + i), tl, th);
-            a1 = piece(a1, load(s1 + i), tl, th);
-            a2 = piece(a2, load(s2 + i), tl, th);
-            a3 = piece(a3, load(s3 + i), tl, th);
-        }
-        store_totals(out + y, tail(s0, a0), tail(s1, a1), tail(s2, a2), tail(s3, a3));
     }
-    for (; y < count; ++y) {
-        const T* s = runs + static_cast<ptrdiff_t>(y) * width;
-        __m128i a = _mm_setzero_si128();
-        for (int i = 0; i < main; i += 16) {
-            const __m128i t = load(tpl + i);
-            a = piece(a, load(s + i), Widen<T>::lo(t), Widen<T>::hi(t));
-        }
-        a = tail(s, a);
-        a = _mm_add_epi32(a, _mm_shuffle_epi32(a, _MM_SHUFFLE(1, 0, 3, 2)));
-        a = _mm_add_epi32(a, _mm_shuffle_epi32(a, _MM_SHUFFLE(2, 3, 0, 1)));
-        out[y] = _mm_cvtsi128_si32(a);
+    __m128i tail(const T* s, __m128i acc) const {
+        if (main_ == n_) return acc;
+        __m128i v = tail_piece(s, n_);
+        if (kSq) v = _mm_and_si128(v, mask_);
+        return piece(acc, v, tail_lo_, tail_hi_);
     }
-}
 
-template <class T>
-void sqdiff_column_bytes(const T* runs, int width, int height, int count, const T* tpl, int64_t* out) {
-    column_bytes<T, true>(runs, width, height, count, tpl, out);
-}
-template <class T>
-void corr_column_bytes(const T* runs, int width, int height, int count, const T* tpl, int64_t* out) {
-    column_bytes<T, false>(runs, width, height, count, tpl, out);
-}
+    int width_, n_;
+    const T* tpl_;
+    int main_;
+    __m128i mask_ = _mm_setzero_si128(), tail_lo_ = _mm_setzero_si128(), tail_hi_ = _mm_setzero_si128();
+};
 
 // ---- Floats ----
 
@@ -245,62 +250,76 @@ double sum_floats(const float* p, int n) { return run_floats<scalar::SumTerm>(p,
 double sqdiff_floats(const float* a, const float* b, int n) { return run_floats<scalar::SqDiffTerm>(a, b, n); }
 double corr_floats(const float* a, const float* b, int n) { return run_floats<scalar::CorrTerm>(a, b, n); }
 
+// Adds strip row s, converted once, to blocks g_lo..g_hi of a group, as
+// their template rows r - g (t0 is template row r).
+template <class Term, int G>
+inline void add_row(Lanes* acc, const float* s, const double* t0, int width, int g_lo, int g_hi) {
+    for (int c = 0; c < width; c += 8) {
+        __m128d d[4];
+        cvt8(s + c, d);
+        for (int g = 0; g < G; ++g) {
+            if (g < g_lo || g > g_hi) continue;
+            const double* t = t0 - static_cast<ptrdiff_t>(g) * width + c;
+            for (int q = 0; q < 4; ++q) acc[g].x[q] = _mm_add_pd(acc[g].x[q], term<Term>(d[q], _mm_load_pd(t + 2 * q)));
+        }
+    }
+}
+
 // G consecutive blocks of a template `width` (a multiple of 8) wide, row by
-// row: strip row r is converted once and added to every block g of the
-// group that contains it, as its template row r - g. Each lane of each block
-// still takes its elements in increasing order, so the sums equal the run
-// kernel's.
+// row: strip row r goes to every block g of the group that holds it, as its
+// template row r - g. Each lane of each block still takes its elements in
+// increasing order, so the sums equal the run kernel's.
 template <class Term, int G>
 void blocks_by_rows(const float* runs, int width, int height, const double* tpl, double* out) {
     Lanes acc[G];
     for (auto& a : acc)
         for (auto& x : a.x) x = _mm_setzero_pd();
-    const int strip_rows = G + height - 1;
-    for (int r = 0; r < strip_rows; ++r) {
+    for (int r = 0; r < G + height - 1; ++r) {
         const float* s = runs + static_cast<ptrdiff_t>(r) * width;
-        const int g_lo = r - height + 1 > 0 ? r - height + 1 : 0;
-        const int g_hi = r < G - 1 ? r : G - 1;
-        for (int c = 0; c < width; c += 8) {
-            __m128d d[4];
-            cvt8(s + c, d);
-            for (int g = 0; g < G; ++g) {
-                if (g < g_lo || g > g_hi) continue;
-                const double* t = tpl + static_cast<ptrdiff_t>(r - g) * width + c;
-                for (int q = 0; q < 4; ++q)
-                    acc[g].x[q] = _mm_add_pd(acc[g].x[q], term<Term>(d[q], _mm_load_pd(t + 2 * q)));
-            }
-        }
+        const double* t0 = tpl + static_cast<ptrdiff_t>(r) * width;
+        if (r >= G - 1 && r < height) add_row<Term, G>(acc, s, t0, width, 0, G - 1);  // every block holds row r
+        else add_row<Term, G>(acc, s, t0, width, r - height + 1 > 0 ? r - height + 1 : 0, r < G - 1 ? r : G - 1);
     }
     for (int g = 0; g < G; ++g) out[g] = combine(acc[g]);
 }
 
-template <class Term>
-void column_floats(const float* runs, int width, int height, int count, const float* tpl, double* out) {
-    const int n = width * height;
-    if (width % 8 != 0 || n > kStackTemplate) {
-        for (int y = 0; y < count; ++y) out[y] = run_floats<Term>(runs + static_cast<ptrdiff_t>(y) * width, tpl, n);
-        return;
-    }
-    alignas(32) double tpl_d[kStackTemplate];
-    for (int i = 0; i < n; i += 8) {
-        __m128d d[4];
-        cvt8(tpl + i, d);
-        for (int q = 0; q < 4; ++q) _mm_store_pd(tpl_d + i + 2 * q, d[q]);
-    }
-    int y = 0;
-    for (; y + 2 <= count; y += 2)
-        blocks_by_rows<Term, 2>(runs + static_cast<ptrdiff_t>(y) * width, width, height, tpl_d, out + y);
-    if (y < count) blocks_by_rows<Term, 1>(runs + static_cast<ptrdiff_t>(y) * width, width, height, tpl_d, out + y);
-}
+// Block sums of a column of float runs.
+template <bool kSq>
+class FloatBlocks {
+    using Term = typename std::conditional<kSq, scalar::SqDiffTerm, scalar::CorrTerm>::type;
 
-void sqdiff_column_floats(const float* runs, int width, int height, int count, const float* tpl, double* out) {
-    column_floats<scalar::SqDiffTerm>(runs, width, height, count, tpl, out);
-}
-void corr_column_floats(const float* runs, int width, int height, int count, const float* tpl, double* out) {
-    column_floats<scalar::CorrTerm>(runs, width, height, count, tpl, out);
-}
+public:
+    FloatBlocks(int width, int height, const float* tpl)
+        : width_(width), height_(height), tpl_(tpl), by_rows_(width % 8 == 0 && width * height <= kStackTemplate) {
+        if (by_rows_)
+            for (int i = 0; i < width * height; i += 8) {
+                __m128d d[4];
+                cvt8(tpl + i, d);
+                for (int q = 0; q < 4; ++q) _mm_store_pd(tpl_d_ + i + 2 * q, d[q]);
+            }
+    }
 
-// ---- Scores, two at a time ----
+    void sums(const float* runs, int count, double* totals) const {
+        if (!by_rows_) {
+            const int n = width_ * height_;
+            for (int y = 0; y < count; ++y) totals[y] = run_floats<Term>(runs + static_cast<ptrdiff_t>(y) * width_, tpl_, n);
+            return;
+        }
+        int y = 0;
+        for (; y + 2 <= count; y += 2)
+            blocks_by_rows<Term, 2>(runs + static_cast<ptrdiff_t>(y) * width_, width_, height_, tpl_d_, totals + y);
+        if (y < count)
+            blocks_by_rows<Term, 1>(runs + static_cast<ptrdiff_t>(y) * width_, width_, height_, tpl_d_, totals + y);
+    }
+
+private:
+    int width_, height_;
+    const float* tpl_;
+    bool by_rows_;
+    alignas(16) double tpl_d_[kStackTemplate];
+};
+
+// ---- Scores, two at a time (the scalar formulas, lane by lane) ----
 
 inline __m128d load2(const double* p) { return _mm_loadu_pd(p); }
 // Exact for |v| < 2^51: the integer is added into the significand of 1.5 * 2^52.
@@ -321,12 +340,15 @@ inline __m128d rsqrt2(__m128d v) {
     return y;
 }
 
+// Scores of blocks y0 .. y0 + count - 1 from their sums; block y0 + k goes
+// to out[k * step].
 template <int M, class Acc>
-void score_column(const Acc* block, const Acc* sum, const Acc* sum_sq, int count, const ScoreConstants& c, float* dst,
-                  ptrdiff_t dst_step) {
-    int y = 0;
-    for (; y + 2 <= count; y += 2) {
-        const __m128d b = load2(block + y);
+void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq, const ScoreConstants& c,
+            float* out, int step) {
+    int k = 0;
+    for (; k + 2 <= count; k += 2) {
+        const int y = y0 + k;
+        const __m128d b = _mm_load_pd(totals + k);
         __m128d r;
         if (M == kSqDiff || M == kCorr) {
             r = b;
@@ -344,24 +366,44 @@ void score_column(const Acc* block, const Acc* sum, const Acc* sum_sq, int count
             }
         }
         const __m128 f = _mm_cvtpd_ps(r);
-        _mm_store_ss(scalar::float_at(dst, dst_step, y), f);
-        _mm_store_ss(scalar::float_at(dst, dst_step, y + 1), _mm_shuffle_ps(f, f, 1));
+        float* o = out + static_cast<ptrdiff_t>(k) * step;
+        _mm_store_ss(o, f);
+        _mm_store_ss(o + step, _mm_shuffle_ps(f, f, 1));
     }
-    if (y < count)
-        scalar::score_column<M>(block + y, sum ? sum + y : nullptr, sum_sq ? sum_sq + y : nullptr, count - y, c,
-                                scalar::float_at(dst, dst_step, y), dst_step);
+    for (; k < count; ++k)
+        out[static_cast<ptrdiff_t>(k) * step] = scalar::score_at<M>(totals[k], sum, sum_sq, y0 + k, c);
+}
+
+// ---- Columns ----
+
+template <class T, bool kSq>
+struct Blocks {
+    using type = ByteBlocks<T, kSq>;
+};
+template <bool kSq>
+struct Blocks<float, kSq> {
+    using type = FloatBlocks<kSq>;
+};
+
+template <class T, int M>
+void column_scores(const T* runs, int width, int height, int count, const T* tpl,
+                   const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
+                   const ScoreConstants& c, float* out, int out_step) {
+    const typename Blocks<T, method_sqdiff(M)>::type blocks(width, height, tpl);
+    alignas(16) double totals[kBatch];
+    for (int y = 0; y < count; y += kBatch) {
+        const int m = count - y < kBatch ? count - y : kBatch;
+        blocks.sums(runs + static_cast<ptrdiff_t>(y) * width, m, totals);
+        scores<M>(totals, y, m, sum, sum_sq, c, out + static_cast<ptrdiff_t>(y) * out_step, out_step);
+    }
 }
 
 }  // namespace
 
 const MatchKernels match_kernels_sse2 = {
-    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, sqdiff_column_bytes<uint8_t>,
-     corr_column_bytes<uint8_t>},
-    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, sqdiff_column_bytes<int8_t>,
-     corr_column_bytes<int8_t>},
-    {sum_floats, sqdiff_floats, corr_floats, sqdiff_column_floats, corr_column_floats},
-    ORUCV_MATCH_SCORES(score_column, int64_t),
-    ORUCV_MATCH_SCORES(score_column, double),
+    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t)},
+    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t)},
+    {sum_floats, sqdiff_floats, corr_floats, ORUCV_MATCH_COLUMNS(column_scores, float)},
 };
 
 }  // namespace a6
