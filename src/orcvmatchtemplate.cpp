@@ -24,6 +24,26 @@ using a6::MatchAcc;
 
 namespace {
 
+// Copies n bytes without a library call (the library needs nothing from
+// libc but malloc, free and __assert_fail): each moved word passes an empty
+// asm, so the loop is not turned back into memcpy.
+void copy_bytes(void* dst, const void* src, size_t n) {
+    uint8_t* d = static_cast<uint8_t*>(dst);
+    const uint8_t* s = static_cast<const uint8_t*>(src);
+    size_t i = 0;
+    for (; i + 8 <= n; i += 8) {
+        uint64_t v;
+        std::memcpy(&v, s + i, 8);
+        __asm__("" : "+r"(v));
+        std::memcpy(d + i, &v, 8);
+    }
+    for (; i < n; ++i) {
+        unsigned v = s[i];
+        __asm__("" : "+r"(v));
+        d[i] = static_cast<uint8_t>(v);
+    }
+}
+
 // n + 16 rounded up to a multiple of 32: every scratch block has at least
 // 16 spare bytes and starts 32-byte aligned.
 int64_t block_bytes(int64_t n) { return (n + 47) & ~int64_t(31); }
@@ -177,8 +197,7 @@ void write_held(const float* held_scores, int held, int n, int rows, float* dst,
         float* to = row_at(dst, dstStep, y);
         if (n == 16) std::memcpy(to, from, 16 * sizeof(float));
         else if (n == 2) std::memcpy(to, from, 2 * sizeof(float));
-        else
-            for (int k = 0; k < n; ++k) to[k] = from[k];
+        else copy_bytes(to, from, n * sizeof(float));
     }
 }
 
@@ -205,7 +224,7 @@ OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplS
     Acc* patch_sq = normed ? reinterpret_cast<Acc*>(base + layout.patch) + (coeff ? rows : 0) : nullptr;
     float* scores = reinterpret_cast<float*>(base + layout.block);
 
-    for (int j = 0; j < th; ++j) std::memcpy(packed + static_cast<ptrdiff_t>(j) * tw, row_at(pTpl, tplStep, j), tw * sizeof(T));
+    for (int j = 0; j < th; ++j) copy_bytes(packed + static_cast<ptrdiff_t>(j) * tw, row_at(pTpl, tplStep, j), tw * sizeof(T));
 
     const a6::MatchKernels& kernels = a6::match_kernels();
     const a6::BlockKernels<T>& bk = a6::block_kernels<T>(kernels);
@@ -242,7 +261,7 @@ OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplS
         const T* src = row_at(pSrc, srcStep, y0);
         float* dst = row_at(pDst, dstStep, y0);
         for (int i = 0; i < src_rows; ++i)
-            std::memcpy(strip + static_cast<ptrdiff_t>(i) * tw, row_at(src, srcStep, i), tw * sizeof(T));
+            copy_bytes(strip + static_cast<ptrdiff_t>(i) * tw, row_at(src, srcStep, i), tw * sizeof(T));
 
         // Row and patch sums of the first column.
         for (int i = 0; i < src_rows; ++i) {
