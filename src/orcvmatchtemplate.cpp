@@ -56,6 +56,8 @@ struct Layout {
 
 // Destination rows per band of a byte image (see the sweep).
 constexpr int kByteBand = 64;
+// Longest run whose row and patch sums of squares fit 32 bits (255^2 each).
+constexpr int kGroupedRunMax = 32768;
 
 // False when the scratch would not fit an int.
 bool match_layout(OruSize src, OruSize tpl, int element, bool coeff, bool normed, Layout* out) {
@@ -89,55 +91,6 @@ OruStatus check_match(const void* pSrc, int srcStep, OruSize src, const void* pT
     if (dstStep < row_bytes(src.width - tpl.width + 1, sizeof(Oru32f))) return oruStsStep;
     if ((element == 4 && (tplStep % 4 != 0 || srcStep % 4 != 0)) || dstStep % 4 != 0) return oruStsStep;
     return oruStsOk;
-}
-
-// Moves the strip view one column right: row i of the new view takes the
-// source element src_col[i] in its last slot, which held the first element
-// of row i + 1 of the previous view; that element leaves row i + 1, so it is
-// read before being overwritten. Row sums follow with old = the leaving and
-// new = the entering element, and the patch sums of the column follow the
-// row sums in the same pass: patch y is complete once row y + height - 1 is.
-template <class T, bool kSum, bool kSq>
-void advance_strip(T* view, const T* src_col, int srcStep, int rows, int width, int height,
-                   typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
-                   typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq) {
-    using Acc = typename MatchAcc<T>::type;
-    T leaving = view[-1];
-    Acc ps = 0, pq = 0;
-    for (int i = 0; i < rows; ++i) {
-        T* slot = view + static_cast<ptrdiff_t>(i) * width + width - 1;
-        const T entering = *row_at(src_col, srcStep, i);
-        const T next_leaving = i + 1 < rows ? *slot : T(0);
-        *slot = entering;
-        if (kSum || kSq) {
-            // The new row sums stay in registers for the patch sums.
-            Acc rs = 0, rq = 0;
-            if (sizeof(T) == 1) {
-                const int o = leaving, e = entering;
-                if (kSum) row_sum[i] = rs = row_sum[i] + (e - o);
-                if (kSq) row_sq[i] = rq = row_sq[i] + static_cast<Acc>((o + e) * (e - o));
-            } else {
-                const double o = leaving, e = entering;
-                if (kSum) row_sum[i] = rs = row_sum[i] + (e - o);
-                if (kSq) row_sq[i] = rq = row_sq[i] + (o + e) * (e - o);
-            }
-            const int y = i - height + 1;
-            if (y == 0) {
-                for (int j = 0; j < height; ++j) {
-                    if (kSum) ps += row_sum[j];
-                    if (kSq) pq += row_sq[j];
-                }
-            } else if (y > 0) {
-                if (kSum) ps = ps + rs - row_sum[y - 1];
-                if (kSq) pq = pq + rq - row_sq[y - 1];
-            }
-            if (y >= 0) {
-                if (kSum) patch_sum[y] = ps;
-                if (kSq) patch_sq[y] = pq;
-            }
-        }
-        leaving = next_leaving;
-    }
 }
 
 // Patch sums of every destination row of the column from the row values:
@@ -189,13 +142,18 @@ inline void patch_sums(const double* row_a, const double* row_b, int height, int
     }
 }
 
-// Writes n held columns of scores (row y at held_scores + y * held) into
-// the destination.
-void write_held(const float* held_scores, int held, int n, int rows, float* dst, int dstStep) {
+// Writes n held columns of scores into the destination: column k of them
+// is ring slot (first + k) mod held, row y of a slot at y * held.
+void write_held(const float* ring, int held, int first, int n, int rows, float* dst, int dstStep) {
+    if (first + n > held) {  // wraps around the ring
+        write_held(ring, held, first, held - first, rows, dst, dstStep);
+        write_held(ring, held, 0, n - (held - first), rows, dst + (held - first), dstStep);
+        return;
+    }
     for (int y = 0; y < rows; ++y) {
-        const float* from = held_scores + static_cast<ptrdiff_t>(y) * held;
+        const float* from = ring + static_cast<ptrdiff_t>(y) * held + first;
         float* to = row_at(dst, dstStep, y);
-        if (n == 16) std::memcpy(to, from, 16 * sizeof(float));
+        if (n == 8) std::memcpy(to, from, 8 * sizeof(float));
         else if (n == 2) std::memcpy(to, from, 2 * sizeof(float));
         else copy_bytes(to, from, n * sizeof(float));
     }
@@ -239,6 +197,7 @@ OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplS
     }
     if (normed) {
         const double t2 = a6::scalar::to_double(bk.corr(packed, packed, n));
+        c.t2 = t2;
         c.r_tpl = a6::scalar::rsqrt(coeff ? t2 - t * c.k * t : t2);
     }
 
@@ -250,11 +209,39 @@ OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplS
     // cache from one column to the next.
     const int band = sizeof(T) == 1 ? kByteBand : rows;
     // The block-result column (8 bytes per destination row) holds the
-    // scores of several columns of a band, which then go out together: two
-    // columns for whole columns, up to 16 (a cache line per row) for bands.
+    // scores of the last columns of a band in a ring, and they go out in
+    // groups: pairs for whole columns; for bands groups of up to 8 columns
+    // (half a cache line per row), each written one group late so that its
+    // scores have left the store queue when they are read back.
     const int held_max = 2 * rows / (rows < band ? rows : band);
-    const int held = held_max < 16 ? held_max : 16;
+    const int held = band < rows ? (held_max < 16 ? held_max : 16) : 2;
+    const int group = band < rows ? held / 2 : 2;
+    const int delay = band < rows ? group : 0;
     const a6::ColumnScores<T> column = bk.column_scores[M];
+    const int sums_index = int(coeff) + 2 * int(normed);
+    const auto advance = bk.advance[sums_index];
+
+    // Bands of byte images can take their row and patch sums eight columns
+    // at a time (32-bit row sums, 8 per row; patch sums column by column),
+    // when the runs are short enough for 32-bit sums and the row-sum and
+    // patch-sum blocks have room for them.
+    const int kinds = int(coeff) + int(normed);
+    const int64_t group_bytes = kinds * (32 * (static_cast<int64_t>(band) + th - 1) + 64 * static_cast<int64_t>(band));
+    const bool grouped = sizeof(T) == 1 && band < rows && kinds > 0 && n <= kGroupedRunMax &&
+                         group_bytes <= layout.total - 32 - layout.row_sum;
+    int32_t* rows8_sum = nullptr;
+    int32_t* rows8_sq = nullptr;
+    int64_t* cols_sum = nullptr;
+    int64_t* cols_sq = nullptr;
+    if (grouped) {
+        uint8_t* p = base + layout.row_sum;
+        const size_t rows8 = 32 * (static_cast<size_t>(band) + th - 1), cols8 = 64 * static_cast<size_t>(band);
+        if (coeff) rows8_sum = reinterpret_cast<int32_t*>(p), p += rows8;
+        if (normed) rows8_sq = reinterpret_cast<int32_t*>(p), p += rows8;
+        if (coeff) cols_sum = reinterpret_cast<int64_t*>(p), p += cols8;
+        if (normed) cols_sq = reinterpret_cast<int64_t*>(p);
+    }
+
     for (int y0 = 0; y0 < rows; y0 += band) {
         const int count = rows - y0 < band ? rows - y0 : band;
         const int src_rows = count + th - 1;
@@ -264,21 +251,54 @@ OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplS
             copy_bytes(strip + static_cast<ptrdiff_t>(i) * tw, row_at(src, srcStep, i), tw * sizeof(T));
 
         // Row and patch sums of the first column.
-        for (int i = 0; i < src_rows; ++i) {
-            const T* r = strip + static_cast<ptrdiff_t>(i) * tw;
-            if (coeff) row_sum[i] = bk.sum(r, tw);
-            if (normed) row_sq[i] = bk.corr(r, r, tw);
+        if (grouped) {
+            int64_t ps = 0, pq = 0;
+            for (int i = 0; i < src_rows; ++i) {
+                const T* r = strip + static_cast<ptrdiff_t>(i) * tw;
+                if (coeff) rows8_sum[8 * i + 7] = static_cast<int32_t>(a6::scalar::to_double(bk.sum(r, tw)));
+                if (normed) rows8_sq[8 * i + 7] = static_cast<int32_t>(a6::scalar::to_double(bk.corr(r, r, tw)));
+                const int y = i - th + 1;
+                if (coeff) ps += rows8_sum[8 * i + 7] - (y > 0 ? rows8_sum[8 * (y - 1) + 7] : 0);
+                if (normed) pq += rows8_sq[8 * i + 7] - (y > 0 ? rows8_sq[8 * (y - 1) + 7] : 0);
+                if (y >= 0 && coeff) cols_sum[y] = ps;
+                if (y >= 0 && normed) cols_sq[y] = pq;
+            }
+        } else {
+            for (int i = 0; i < src_rows; ++i) {
+                const T* r = strip + static_cast<ptrdiff_t>(i) * tw;
+                if (coeff) row_sum[i] = bk.sum(r, tw);
+                if (normed) row_sq[i] = bk.corr(r, r, tw);
+            }
+            if (coeff || normed) patch_sums(row_sum, row_sq, th, count, patch_sum, patch_sq);
         }
-        if (coeff || normed) patch_sums(row_sum, row_sq, th, count, patch_sum, patch_sq);
 
+        int written = 0;
         for (int x = 0; x < cols; ++x) {
             T* view = strip + x;
-            if (x > 0)
-                advance_strip<T, coeff, normed>(view, src + x + tw - 1, srcStep, src_rows, tw, th, row_sum, row_sq,
-                                                patch_sum, patch_sq);
-            const int slot = x % held;
-            column(view, tw, th, count, packed, patch_sum, patch_sq, c, scores + slot, held);
-            if (slot == held - 1 || x == cols - 1) write_held(scores, held, slot + 1, count, dst + x - slot, dstStep);
+            const Acc* sum = patch_sum;
+            const Acc* sum_sq = patch_sq;
+            if (grouped) {
+                const int slot = x == 0 ? 0 : (x - 1) % 8;
+                if (x > 0 && slot == 0)
+                    bk.group_sums[sums_index](src, srcStep, src_rows, tw, th, x, cols - x < 8 ? cols - x : 8,
+                                              rows8_sum, rows8_sq, cols_sum, cols_sq);
+                if (x > 0) bk.advance[0](view, src + x + tw - 1, srcStep, src_rows, tw, th, nullptr, nullptr, nullptr, nullptr);
+                sum = coeff ? reinterpret_cast<const Acc*>(cols_sum + static_cast<ptrdiff_t>(slot) * count) : nullptr;
+                sum_sq = normed ? reinterpret_cast<const Acc*>(cols_sq + static_cast<ptrdiff_t>(slot) * count) : nullptr;
+            } else if (x > 0) {
+                advance(view, src + x + tw - 1, srcStep, src_rows, tw, th, row_sum, row_sq, patch_sum, patch_sq);
+            }
+            column(view, tw, th, count, packed, sum, sum_sq, c, scores + x % held, held);
+            // Columns up to `written` are in the destination.
+            const int ready = x + 1 - delay;
+            if ((x + 1) % group == 0 && ready > written) {
+                write_held(scores, held, written % held, ready - written, count, dst + written, dstStep);
+                written = ready;
+            }
+            if (x == cols - 1 && written < cols) {
+                write_held(scores, held, written % held, cols - written, count, dst + written, dstStep);
+                written = cols;
+            }
         }
     }
     return oruStsOk;

@@ -25,12 +25,29 @@ void column_scores(const T* runs, int width, int height, int count, const T* tpl
     scalar::column_scores<T, M>(runs, width, height, count, tpl, sum, sum_sq, c, out, out_step);
 }
 
+template <class T, bool kSum, bool kSq>
+void advance(T* view, const T* src_col, int src_step, int rows, int width, int height,
+             typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
+             typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq) {
+    scalar::advance<T, kSum, kSq>(view, src_col, src_step, rows, width, height, row_sum, row_sq, patch_sum, patch_sq);
+}
+
+template <class T, bool kSum, bool kSq>
+void group_sums(const T* src, int src_step, int rows, int width, int height, int x0, int ncols, int32_t* row_sum8,
+                int32_t* row_sq8, int64_t* patch_sum, int64_t* patch_sq) {
+    scalar::group_sums<T, kSum, kSq>(src, src_step, rows, width, height, x0, ncols, row_sum8, row_sq8, patch_sum,
+                                     patch_sq);
+}
+
 }  // namespace
 
 const MatchKernels match_kernels_scalar = {
-    {sum_8<uint8_t>, sqdiff_8<uint8_t>, corr_8<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t)},
-    {sum_8<int8_t>, sqdiff_8<int8_t>, corr_8<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t)},
-    {sum_32f, sqdiff_32f, corr_32f, ORUCV_MATCH_COLUMNS(column_scores, float)},
+    {sum_8<uint8_t>, sqdiff_8<uint8_t>, corr_8<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t),
+     ORUCV_MATCH_ADVANCES(advance, uint8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, uint8_t)},
+    {sum_8<int8_t>, sqdiff_8<int8_t>, corr_8<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t),
+     ORUCV_MATCH_ADVANCES(advance, int8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, int8_t)},
+    {sum_32f, sqdiff_32f, corr_32f, ORUCV_MATCH_COLUMNS(column_scores, float), ORUCV_MATCH_ADVANCES(advance, float),
+     {nullptr, nullptr, nullptr, nullptr}},
 };
 
 const MatchKernels& match_kernels() { return ORUCV_CHOOSE(match_kernels); }

@@ -50,6 +50,7 @@ struct ScoreConstants {
     double k;      // 1 / (N + 2^-52)
     double neg_t;  // -T
     double r_tpl;  // r(T2) or r(T2 - T^2 k)
+    double t2;     // T2, exact for bytes (normalised methods)
 };
 
 // Scores of `count` consecutive blocks of one destination column: block y
@@ -64,6 +65,27 @@ using ColumnScores = void (*)(const T* runs, int width, int height, int count, c
                               const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
                               const ScoreConstants& c, float* out, int out_step);
 
+// Moves the strip view of a column one column right and brings the row
+// sums (row_sum, row_sq) and the patch sums of the column (patch_sum,
+// patch_sq) along; see scalar::advance. The sums a method does not use are
+// null and not touched.
+template <class T>
+using Advance = void (*)(T* view, const T* src_col, int src_step, int rows, int width, int height,
+                         typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
+                         typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq);
+
+// The row and patch sums of up to 8 consecutive columns x0 .. x0 + ncols - 1
+// of a band of a byte image at once (what the strip advance does to them,
+// for several columns). src is the band's first row at column 0, rows its
+// number of rows. Row sums are 32-bit, 8 per row: row_sum8[8 i + k] is the
+// sum of row i at column x0 + k; on entry row_sum8[8 i + 7] holds the one
+// at column x0 - 1. Patch sums go out column by column: patch_sum[k *
+// count + y] for column x0 + k, count = rows - height + 1. Only for runs of
+// at most 32768 elements, whose sums all fit 32 bits; unused sums are null.
+template <class T>
+using GroupSums = void (*)(const T* src, int src_step, int rows, int width, int height, int x0, int ncols,
+                           int32_t* row_sum8, int32_t* row_sq8, int64_t* patch_sum, int64_t* patch_sq);
+
 template <class T>
 struct BlockKernels {
     using Acc = typename MatchAcc<T>::type;
@@ -74,6 +96,10 @@ struct BlockKernels {
     Acc (*corr)(const T* a, const T* b, int n);
     // Indexed by MatchMethod.
     ColumnScores<T> column_scores[kMatchMethods];
+    // Indexed by (row sums used) + 2 * (row sums of squares used).
+    Advance<T> advance[4];
+    // Byte images only (null for floats); indexed as advance.
+    GroupSums<T> group_sums[4];
 };
 
 struct MatchKernels {
@@ -88,6 +114,13 @@ struct MatchKernels {
         fn<T, ::orucv::a6::kSqDiff>, fn<T, ::orucv::a6::kSqDiffNormed>, fn<T, ::orucv::a6::kCorr>,    \
             fn<T, ::orucv::a6::kCorrNormed>, fn<T, ::orucv::a6::kCoeff>, fn<T, ::orucv::a6::kCoeffNormed> \
     }
+
+// The four strip advances of one pixel type.
+#define ORUCV_MATCH_ADVANCES(fn, T) \
+    { fn<T, false, false>, fn<T, true, false>, fn<T, false, true>, fn<T, true, true> }
+
+#define ORUCV_MATCH_GROUP_SUMS(fn, T) \
+    { fn<T, false, false>, fn<T, true, false>, fn<T, false, true>, fn<T, true, true> }
 
 extern const MatchKernels match_kernels_scalar;
 extern const MatchKernels match_kernels_sse2;
@@ -146,6 +179,91 @@ static inline float score(double b, Acc sum, Acc sum_sq, const ScoreConstants& c
 template <int M, class Acc>
 static inline float score_at(double b, const Acc* sum, const Acc* sum_sq, int y, const ScoreConstants& c) {
     return score<M>(b, sum ? sum[y] : Acc(0), sum_sq ? sum_sq[y] : Acc(0), c);
+}
+
+// Moves the strip view one column right: row i of the new view takes the
+// source element src_col[i * src_step bytes] in its last slot, which held
+// the first element of row i + 1 of the previous view; that element leaves
+// row i + 1, so it is read before being overwritten. Row sums follow with
+// old = the leaving and new = the entering element: sum += new - old and
+// sum of squares += (old + new) * (new - old), formed in 32-bit integers
+// for bytes and in double for floats. The patch sums of the column follow
+// in the same pass: patch y is complete once row y + height - 1 is; the
+// first adds rows 0..height-1, each next one adds the row entering at the
+// bottom and subtracts the one leaving at the top.
+template <class T, bool kSum, bool kSq>
+static inline void advance(T* view, const T* src_col, int src_step, int rows, int width, int height,
+                           typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
+                           typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq) {
+    using Acc = typename MatchAcc<T>::type;
+    T leaving = view[-1];
+    Acc ps = 0, pq = 0;
+    for (int i = 0; i < rows; ++i) {
+        T* slot = view + static_cast<ptrdiff_t>(i) * width + width - 1;
+        const T entering = *reinterpret_cast<const T*>(reinterpret_cast<const char*>(src_col) +
+                                                        static_cast<ptrdiff_t>(src_step) * i);
+        const T next_leaving = i + 1 < rows ? *slot : T(0);
+        *slot = entering;
+        if (kSum || kSq) {
+            // The new row sums stay in registers for the patch sums.
+            Acc rs = 0, rq = 0;
+            if (sizeof(T) == 1) {
+                const int o = leaving, e = entering;
+                if (kSum) row_sum[i] = rs = row_sum[i] + (e - o);
+                if (kSq) row_sq[i] = rq = row_sq[i] + static_cast<Acc>((o + e) * (e - o));
+            } else {
+                const double o = leaving, e = entering;
+                if (kSum) row_sum[i] = rs = row_sum[i] + (e - o);
+                if (kSq) row_sq[i] = rq = row_sq[i] + (o + e) * (e - o);
+            }
+            const int y = i - height + 1;
+            if (y == 0) {
+                for (int j = 0; j < height; ++j) {
+                    if (kSum) ps += row_sum[j];
+                    if (kSq) pq += row_sq[j];
+                }
+            } else if (y > 0) {
+                if (kSum) ps = ps + rs - row_sum[y - 1];
+                if (kSq) pq = pq + rq - row_sq[y - 1];
+            }
+            if (y >= 0) {
+                if (kSum) patch_sum[y] = ps;
+                if (kSq) patch_sq[y] = pq;
+            }
+        }
+        leaving = next_leaving;
+    }
+}
+
+// The scalar twin of the grouped row and patch sums (see GroupSums).
+template <class T, bool kSum, bool kSq>
+static inline void group_sums(const T* src, int src_step, int rows, int width, int height, int x0, int ncols,
+                              int32_t* row_sum8, int32_t* row_sq8, int64_t* patch_sum, int64_t* patch_sq) {
+    for (int i = 0; i < rows; ++i) {
+        const T* r = reinterpret_cast<const T*>(reinterpret_cast<const char*>(src) + static_cast<ptrdiff_t>(src_step) * i);
+        int32_t rs = kSum ? row_sum8[8 * i + 7] : 0, rq = kSq ? row_sq8[8 * i + 7] : 0;
+        for (int k = 0; k < ncols; ++k) {
+            const int o = r[x0 - 1 + k], e = r[x0 + width - 1 + k];
+            if (kSum) row_sum8[8 * i + k] = rs = rs + (e - o);
+            if (kSq) row_sq8[8 * i + k] = rq = rq + (o + e) * (e - o);
+        }
+    }
+    const int count = rows - height + 1;
+    for (int k = 0; k < ncols; ++k) {
+        int64_t ps = 0, pq = 0;
+        for (int j = 0; j < height; ++j) {
+            if (kSum) ps += row_sum8[8 * j + k];
+            if (kSq) pq += row_sq8[8 * j + k];
+        }
+        for (int y = 0; y < count; ++y) {
+            if (y > 0) {
+                if (kSum) ps += row_sum8[8 * (y + height - 1) + k] - row_sum8[8 * (y - 1) + k];
+                if (kSq) pq += row_sq8[8 * (y + height - 1) + k] - row_sq8[8 * (y - 1) + k];
+            }
+            if (kSum) patch_sum[static_cast<ptrdiff_t>(k) * count + y] = ps;
+            if (kSq) patch_sq[static_cast<ptrdiff_t>(k) * count + y] = pq;
+        }
+    }
 }
 
 // ---- Byte images: exact integer sums ----

@@ -150,26 +150,8 @@ public:
             return;
         }
         int y = 0;
-        for (; y + 4 <= count; y += 4) {
-            const T* s0 = runs + static_cast<ptrdiff_t>(y) * width_;
-            const T* s1 = s0 + width_;
-            const T* s2 = s1 + width_;
-            const T* s3 = s2 + width_;
-            __m256i a0 = _mm256_setzero_si256(), a1 = a0, a2 = a0, a3 = a0;
-            for (int i = 0; i < main_; i += 16) {
-                const __m256i t = Widen<T>::of(load(tpl_ + i));
-                a0 = piece<T, kSq>(a0, load(s0 + i), t);
-                a1 = piece<T, kSq>(a1, load(s1 + i), t);
-                a2 = piece<T, kSq>(a2, load(s2 + i), t);
-                a3 = piece<T, kSq>(a3, load(s3 + i), t);
-            }
-            // Lanes of block k end up in element k: pairwise sums within each
-            // 128-bit half, then the two halves.
-            const __m256i h = _mm256_hadd_epi32(_mm256_hadd_epi32(tail(s0, a0), tail(s1, a1)),
-                                                _mm256_hadd_epi32(tail(s2, a2), tail(s3, a3)));
-            const __m128i t4 = _mm_add_epi32(_mm256_castsi256_si128(h), _mm256_extracti128_si256(h, 1));
-            _mm256_storeu_pd(totals + y, _mm256_cvtepi32_pd(t4));
-        }
+        for (; y + 8 <= count; y += 8) blocks<8>(runs + static_cast<ptrdiff_t>(y) * width_, totals + y);
+        for (; y + 4 <= count; y += 4) blocks<4>(runs + static_cast<ptrdiff_t>(y) * width_, totals + y);
         for (; y < count; ++y) {
             const T* s = runs + static_cast<ptrdiff_t>(y) * width_;
             __m256i a = _mm256_setzero_si256();
@@ -179,6 +161,26 @@ public:
     }
 
 private:
+    // G (4 or 8) consecutive blocks, each template piece widened once.
+    template <int G>
+    void blocks(const T* runs, double* totals) const {
+        const T* s[G];
+        __m256i a[G];
+        for (int g = 0; g < G; ++g) s[g] = runs + static_cast<ptrdiff_t>(g) * width_, a[g] = _mm256_setzero_si256();
+        for (int i = 0; i < main_; i += 16) {
+            const __m256i t = Widen<T>::of(load(tpl_ + i));
+            for (int g = 0; g < G; ++g) a[g] = piece<T, kSq>(a[g], load(s[g] + i), t);
+        }
+        for (int g = 0; g < G; ++g) a[g] = tail(s[g], a[g]);
+        // Lanes of block k end up in element k of a group of four: pairwise
+        // sums within each 128-bit half, then the two halves.
+        for (int g = 0; g < G; g += 4) {
+            const __m256i h = _mm256_hadd_epi32(_mm256_hadd_epi32(a[g], a[g + 1]), _mm256_hadd_epi32(a[g + 2], a[g + 3]));
+            const __m128i t4 = _mm_add_epi32(_mm256_castsi256_si128(h), _mm256_extracti128_si256(h, 1));
+            _mm256_storeu_pd(totals + g, _mm256_cvtepi32_pd(t4));
+        }
+    }
+
     __m256i tail(const T* s, __m256i acc) const {
         if (main_ == n_) return acc;
         __m128i v = tail_piece(s, n_);
@@ -381,6 +383,210 @@ void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* 
         out[static_cast<ptrdiff_t>(k) * step] = scalar::score_at<M>(totals[k], sum, sum_sq, y0 + k, c);
 }
 
+// ---- Strip advance ----
+
+// Prefix sums of four 64-bit lanes.
+inline __m256i prefix4(__m256i x) {
+    const __m256i zero = _mm256_setzero_si256();
+    x = _mm256_add_epi64(x, _mm256_blend_epi32(_mm256_permute4x64_epi64(x, _MM_SHUFFLE(2, 1, 0, 0)), zero, 0x03));
+    return _mm256_add_epi64(x, _mm256_blend_epi32(_mm256_permute4x64_epi64(x, _MM_SHUFFLE(1, 0, 0, 0)), zero, 0x0F));
+}
+
+inline __m256i load4i(const int64_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); }
+inline void store4i(int64_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); }
+
+// Adds the deltas of rows i..i+3 to their row sums and extends the patch
+// sums: patch y = patch y - 1 + row y + height - 1 - row y - 1, as a prefix
+// sum over the four rows on top of `run`, the last patch sum in every lane,
+// which is returned updated. Row y - 1 is read after the new row sums are
+// stored, so short templates see the current column's values.
+inline __m256i sums4(int64_t* row, __m256i delta, int64_t* patch, int i, int y, __m256i run) {
+    const __m256i r = _mm256_add_epi64(load4i(row + i), delta);
+    store4i(row + i, r);
+    const __m256i p = _mm256_add_epi64(run, prefix4(_mm256_sub_epi64(r, load4i(row + y - 1))));
+    store4i(patch + y, p);
+    return _mm256_permute4x64_epi64(p, _MM_SHUFFLE(3, 3, 3, 3));
+}
+
+// One row of the strip advance: the entering element goes into the row's
+// last slot, whose old content (the element leaving the next row) becomes
+// `leaving`; returns the entering element.
+template <class T>
+inline int advance_row(T* slot, const char* src, int src_step, int i, int rows, T& leaving) {
+    const int e = *reinterpret_cast<const T*>(src + static_cast<ptrdiff_t>(src_step) * i);
+    if (i + 1 < rows) leaving = *slot;
+    *slot = static_cast<T>(e);
+    return e;
+}
+
+// The strip advance of byte images with the scalar twin's arithmetic: rows
+// up to the one completing the first patch one at a time, then four rows at
+// a time, their deltas gathered into registers and added to the row and
+// patch sums with vector prefix sums (integer sums are exact, so the order
+// of the additions is free).
+template <class T, bool kSum, bool kSq>
+void advance_bytes(T* view, const T* src_col, int src_step, int rows, int width, int height, int64_t* row_sum,
+                   int64_t* row_sq, int64_t* patch_sum, int64_t* patch_sq) {
+    if (!kSum && !kSq) {
+        scalar::advance<T, false, false>(view, src_col, src_step, rows, width, height, row_sum, row_sq, patch_sum,
+                                         patch_sq);
+        return;
+    }
+    const char* src = reinterpret_cast<const char*>(src_col);
+    T leaving = view[-1];
+    T* slot = view + width - 1;
+    int i = 0;
+    auto one_row = [&](int i) {
+        const int o = leaving, e = advance_row(slot, src, src_step, i, rows, leaving);
+        slot += width;
+        if (kSum) row_sum[i] += e - o;
+        if (kSq) row_sq[i] += (o + e) * (e - o);
+    };
+    for (; i < rows && i < height; ++i) one_row(i);
+    if (i < height) return;  // no complete patch
+    int64_t a = 0, b = 0;
+    for (int j = 0; j < height; ++j) {
+        if (kSum) a += row_sum[j];
+        if (kSq) b += row_sq[j];
+    }
+    if (kSum) patch_sum[0] = a;
+    if (kSq) patch_sq[0] = b;
+    __m256i run_sum = _mm256_set1_epi64x(a), run_sq = _mm256_set1_epi64x(b);
+    for (; i + 4 <= rows; i += 4) {
+        int d[4], q[4];
+        for (int u = 0; u < 4; ++u) {
+            const int o = leaving, e = advance_row(slot, src, src_step, i + u, rows, leaving);
+            slot += width;
+            d[u] = e - o;
+            q[u] = (o + e) * (e - o);
+        }
+        const int y = i - height + 1;
+        if (kSum) run_sum = sums4(row_sum, _mm256_cvtepi32_epi64(_mm_set_epi32(d[3], d[2], d[1], d[0])), patch_sum, i, y, run_sum);
+        if (kSq) run_sq = sums4(row_sq, _mm256_cvtepi32_epi64(_mm_set_epi32(q[3], q[2], q[1], q[0])), patch_sq, i, y, run_sq);
+    }
+    for (; i < rows; ++i) {
+        one_row(i);
+        const int y = i - height + 1;
+        if (kSum) patch_sum[y] = patch_sum[y - 1] + row_sum[i] - row_sum[y - 1];
+        if (kSq) patch_sq[y] = patch_sq[y - 1] + row_sq[i] - row_sq[y - 1];
+    }
+}
+
+// Eight bytes as eight 32-bit lanes.
+inline __m256i widen8(const uint8_t* p) { return _mm256_cvtepu8_epi32(load8(p)); }
+inline __m256i widen8(const int8_t* p) { return _mm256_cvtepi8_epi32(load8(p)); }
+
+// Prefix sums of eight 32-bit lanes.
+inline __m256i prefix8(__m256i x) {
+    x = _mm256_add_epi32(x, _mm256_slli_si256(x, 4));
+    x = _mm256_add_epi32(x, _mm256_slli_si256(x, 8));
+    const __m256i low_total = _mm256_permutevar8x32_epi32(x, _mm256_set1_epi32(3));
+    return _mm256_add_epi32(x, _mm256_blend_epi32(_mm256_setzero_si256(), low_total, 0xF0));
+}
+
+// Transposes eight rows of eight 32-bit lanes (v[r] element k becomes
+// v[k] element r).
+inline void transpose8(__m256i* v) {
+    __m256i t[8], u[8];
+    for (int r = 0; r < 8; r += 2) {
+        t[r] = _mm256_unpacklo_epi32(v[r], v[r + 1]);
+        t[r + 1] = _mm256_unpackhi_epi32(v[r], v[r + 1]);
+    }
+    for (int r = 0; r < 8; r += 4) {
+        u[r] = _mm256_unpacklo_epi64(t[r], t[r + 2]);
+        u[r + 1] = _mm256_unpackhi_epi64(t[r], t[r + 2]);
+        u[r + 2] = _mm256_unpacklo_epi64(t[r + 1], t[r + 3]);
+        u[r + 3] = _mm256_unpackhi_epi64(t[r + 1], t[r + 3]);
+    }
+    for (int k = 0; k < 4; ++k) {
+        v[k] = _mm256_permute2x128_si256(u[k], u[k + 4], 0x20);
+        v[k + 4] = _mm256_permute2x128_si256(u[k], u[k + 4], 0x31);
+    }
+}
+
+// Patch sums of eight columns for destination rows y0 .. y0 + n - 1 (n <= 8),
+// given as eight-lane vectors p[0..n), stored column by column as 64-bit.
+inline void store_patches(__m256i* p, int n, int64_t* patch, int count, int y0) {
+    for (int r = n; r < 8; ++r) p[r] = _mm256_setzero_si256();
+    transpose8(p);
+    for (int k = 0; k < 8; ++k) {
+        int64_t* out = patch + static_cast<ptrdiff_t>(k) * count + y0;
+        const __m256i lo = _mm256_cvtepi32_epi64(_mm256_castsi256_si128(p[k]));
+        const __m256i hi = _mm256_cvtepi32_epi64(_mm256_extracti128_si256(p[k], 1));
+        if (n == 8) {
+            store4i(out, lo);
+            store4i(out + 4, hi);
+        } else {
+            alignas(32) int64_t tmp[8];
+            store4i(tmp, lo);
+            store4i(tmp + 4, hi);
+            for (int r = 0; r < n; ++r) out[r] = tmp[r];
+        }
+    }
+}
+
+// Grouped row and patch sums of eight columns (see GroupSums): row deltas
+// of the eight columns from two 8-byte loads per row, their prefix sums
+// across the lanes, then the patch sums down the rows, eight columns per
+// vector, transposed into columns. Fewer than eight columns (the last group
+// of a band, whose loads would pass the row's end) go through the twin.
+template <class T, bool kSum, bool kSq>
+void group_sums(const T* src, int src_step, int rows, int width, int height, int x0, int ncols, int32_t* row_sum8,
+                int32_t* row_sq8, int64_t* patch_sum, int64_t* patch_sq) {
+    if (ncols < 8 || (!kSum && !kSq)) {
+        scalar::group_sums<T, kSum, kSq>(src, src_step, rows, width, height, x0, ncols, row_sum8, row_sq8, patch_sum,
+                                         patch_sq);
+        return;
+    }
+    auto load_row = [](const int32_t* p) { return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)); };
+    auto store_row = [](int32_t* p, __m256i v) { _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v); };
+    for (int i = 0; i < rows; ++i) {
+        const T* r = reinterpret_cast<const T*>(reinterpret_cast<const char*>(src) + static_cast<ptrdiff_t>(src_step) * i);
+        const __m256i o = widen8(r + x0 - 1), e = widen8(r + x0 + width - 1);
+        const __m256i d = _mm256_sub_epi32(e, o);
+        if (kSum) {
+            const __m256i before = _mm256_set1_epi32(row_sum8[8 * i + 7]);
+            store_row(row_sum8 + 8 * i, _mm256_add_epi32(before, prefix8(d)));
+        }
+        if (kSq) {
+            const __m256i before = _mm256_set1_epi32(row_sq8[8 * i + 7]);
+            const __m256i q = _mm256_mullo_epi32(_mm256_add_epi32(o, e), d);
+            store_row(row_sq8 + 8 * i, _mm256_add_epi32(before, prefix8(q)));
+        }
+    }
+    const int count = rows - height + 1;
+    __m256i ps = _mm256_setzero_si256(), pq = _mm256_setzero_si256();
+    for (int j = 0; j < height; ++j) {
+        if (kSum) ps = _mm256_add_epi32(ps, load_row(row_sum8 + 8 * j));
+        if (kSq) pq = _mm256_add_epi32(pq, load_row(row_sq8 + 8 * j));
+    }
+    __m256i vs[8], vq[8];
+    for (int y0 = 0; y0 < count; y0 += 8) {
+        const int n = count - y0 < 8 ? count - y0 : 8;
+        for (int r = 0; r < n; ++r) {
+            const int y = y0 + r;
+            if (y > 0) {
+                if (kSum)
+                    ps = _mm256_add_epi32(ps, _mm256_sub_epi32(load_row(row_sum8 + 8 * (y + height - 1)),
+                                                               load_row(row_sum8 + 8 * (y - 1))));
+                if (kSq)
+                    pq = _mm256_add_epi32(pq, _mm256_sub_epi32(load_row(row_sq8 + 8 * (y + height - 1)),
+                                                               load_row(row_sq8 + 8 * (y - 1))));
+            }
+            vs[r] = ps;
+            vq[r] = pq;
+        }
+        if (kSum) store_patches(vs, n, patch_sum, count, y0);
+        if (kSq) store_patches(vq, n, patch_sq, count, y0);
+    }
+}
+
+template <class T, bool kSum, bool kSq>
+void advance_floats(T* view, const T* src_col, int src_step, int rows, int width, int height, double* row_sum,
+                    double* row_sq, double* patch_sum, double* patch_sq) {
+    scalar::advance<T, kSum, kSq>(view, src_col, src_step, rows, width, height, row_sum, row_sq, patch_sum, patch_sq);
+}
+
 // ---- Columns ----
 
 template <class T, bool kSq>
@@ -396,11 +602,24 @@ template <class T, int M>
 void column_scores(const T* runs, int width, int height, int count, const T* tpl,
                    const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
                    const ScoreConstants& c, float* out, int out_step) {
-    const typename Blocks<T, method_sqdiff(M)>::type blocks(width, height, tpl);
+    // Byte sums are exact integers, so the squared differences of a
+    // normalised match follow from the products and the sums of squares
+    // already at hand: D = S2 - 2 C + T2, every term exact in double.
+    constexpr bool kFromProducts = sizeof(T) == 1 && M == kSqDiffNormed;
+    const typename Blocks<T, method_sqdiff(M) && !kFromProducts>::type blocks(width, height, tpl);
     alignas(32) double totals[kBatch];
     for (int y = 0; y < count; y += kBatch) {
         const int m = count - y < kBatch ? count - y : kBatch;
         blocks.sums(runs + static_cast<ptrdiff_t>(y) * width, m, totals);
+        if (kFromProducts) {
+            int k = 0;
+            for (; k + 4 <= m; k += 4) {
+                const __m256d twice = _mm256_add_pd(_mm256_load_pd(totals + k), _mm256_load_pd(totals + k));
+                _mm256_store_pd(totals + k, _mm256_add_pd(_mm256_sub_pd(load4(sum_sq + y + k), twice),
+                                                          _mm256_set1_pd(c.t2)));
+            }
+            for (; k < m; ++k) totals[k] = (scalar::to_double(sum_sq[y + k]) - 2.0 * totals[k]) + c.t2;
+        }
         scores<M>(totals, y, m, sum, sum_sq, c, out + static_cast<ptrdiff_t>(y) * out_step, out_step);
     }
 }
@@ -408,9 +627,12 @@ void column_scores(const T* runs, int width, int height, int count, const T* tpl
 }  // namespace
 
 const MatchKernels match_kernels_avx2 = {
-    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t)},
-    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t)},
-    {sum_floats, sqdiff_floats, corr_floats, ORUCV_MATCH_COLUMNS(column_scores, float)},
+    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t),
+     ORUCV_MATCH_ADVANCES(advance_bytes, uint8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, uint8_t)},
+    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t),
+     ORUCV_MATCH_ADVANCES(advance_bytes, int8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, int8_t)},
+    {sum_floats, sqdiff_floats, corr_floats, ORUCV_MATCH_COLUMNS(column_scores, float),
+     ORUCV_MATCH_ADVANCES(advance_floats, float), {nullptr, nullptr, nullptr, nullptr}},
 };
 
 }  // namespace a6

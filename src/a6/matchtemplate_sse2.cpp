@@ -374,6 +374,24 @@ void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* 
         out[static_cast<ptrdiff_t>(k) * step] = scalar::score_at<M>(totals[k], sum, sum_sq, y0 + k, c);
 }
 
+// ---- Strip advance ----
+
+// The scalar twin: without 64-bit lane inserts, gathering the deltas of
+// strided rows into SSE2 registers costs more than it saves.
+template <class T, bool kSum, bool kSq>
+void advance(T* view, const T* src_col, int src_step, int rows, int width, int height,
+             typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
+             typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq) {
+    scalar::advance<T, kSum, kSq>(view, src_col, src_step, rows, width, height, row_sum, row_sq, patch_sum, patch_sq);
+}
+
+template <class T, bool kSum, bool kSq>
+void group_sums(const T* src, int src_step, int rows, int width, int height, int x0, int ncols, int32_t* row_sum8,
+                int32_t* row_sq8, int64_t* patch_sum, int64_t* patch_sq) {
+    scalar::group_sums<T, kSum, kSq>(src, src_step, rows, width, height, x0, ncols, row_sum8, row_sq8, patch_sum,
+                                     patch_sq);
+}
+
 // ---- Columns ----
 
 template <class T, bool kSq>
@@ -389,11 +407,23 @@ template <class T, int M>
 void column_scores(const T* runs, int width, int height, int count, const T* tpl,
                    const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
                    const ScoreConstants& c, float* out, int out_step) {
-    const typename Blocks<T, method_sqdiff(M)>::type blocks(width, height, tpl);
+    // Byte sums are exact integers, so the squared differences of a
+    // normalised match follow from the products and the sums of squares
+    // already at hand: D = S2 - 2 C + T2, every term exact in double.
+    constexpr bool kFromProducts = sizeof(T) == 1 && M == kSqDiffNormed;
+    const typename Blocks<T, method_sqdiff(M) && !kFromProducts>::type blocks(width, height, tpl);
     alignas(16) double totals[kBatch];
     for (int y = 0; y < count; y += kBatch) {
         const int m = count - y < kBatch ? count - y : kBatch;
         blocks.sums(runs + static_cast<ptrdiff_t>(y) * width, m, totals);
+        if (kFromProducts) {
+            int k = 0;
+            for (; k + 2 <= m; k += 2) {
+                const __m128d twice = _mm_add_pd(_mm_load_pd(totals + k), _mm_load_pd(totals + k));
+                _mm_store_pd(totals + k, _mm_add_pd(_mm_sub_pd(load2(sum_sq + y + k), twice), _mm_set1_pd(c.t2)));
+            }
+            for (; k < m; ++k) totals[k] = (scalar::to_double(sum_sq[y + k]) - 2.0 * totals[k]) + c.t2;
+        }
         scores<M>(totals, y, m, sum, sum_sq, c, out + static_cast<ptrdiff_t>(y) * out_step, out_step);
     }
 }
@@ -401,9 +431,12 @@ void column_scores(const T* runs, int width, int height, int count, const T* tpl
 }  // namespace
 
 const MatchKernels match_kernels_sse2 = {
-    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t)},
-    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t)},
-    {sum_floats, sqdiff_floats, corr_floats, ORUCV_MATCH_COLUMNS(column_scores, float)},
+    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t),
+     ORUCV_MATCH_ADVANCES(advance, uint8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, uint8_t)},
+    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t),
+     ORUCV_MATCH_ADVANCES(advance, int8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, int8_t)},
+    {sum_floats, sqdiff_floats, corr_floats, ORUCV_MATCH_COLUMNS(column_scores, float),
+     ORUCV_MATCH_ADVANCES(advance, float), {nullptr, nullptr, nullptr, nullptr}},
 };
 
 }  // namespace a6
