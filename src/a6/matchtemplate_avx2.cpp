@@ -322,11 +322,12 @@ inline __m256d load4(const int64_t* p) {
     return _mm256_sub_pd(_mm256_castsi256_pd(v), _mm256_castsi256_pd(magic));
 }
 
-// Reciprocal square roots of four vectors, their steps interleaved so that
-// the four dependency chains overlap.
-inline void rsqrt4x4(__m256d* v) {
-    __m256d half_a[4], y[4];
-    for (int g = 0; g < 4; ++g) {
+// Reciprocal square roots of G vectors, their steps interleaved so that the
+// G dependency chains overlap.
+template <int G>
+inline void rsqrt4xG(__m256d* v) {
+    __m256d half_a[G], y[G];
+    for (int g = 0; g < G; ++g) {
         const __m256d a =
             _mm256_add_pd(_mm256_andnot_pd(_mm256_set1_pd(-0.0), v[g]), _mm256_set1_pd(scalar::kFloatEpsilon));
         const __m128i b = _mm_castps_si128(_mm256_cvtpd_ps(a));
@@ -335,50 +336,60 @@ inline void rsqrt4x4(__m256d* v) {
         half_a[g] = _mm256_mul_pd(_mm256_set1_pd(0.5), a);
     }
     for (int i = 0; i < 4; ++i)
-        for (int g = 0; g < 4; ++g)
+        for (int g = 0; g < G; ++g)
             y[g] = _mm256_mul_pd(y[g], _mm256_sub_pd(_mm256_set1_pd(1.5), _mm256_mul_pd(_mm256_mul_pd(half_a[g], y[g]), y[g])));
-    for (int g = 0; g < 4; ++g) v[g] = y[g];
+    for (int g = 0; g < G; ++g) v[g] = y[g];
+}
+
+// Scores of blocks y0 + k .. y0 + k + 4 G - 1 from their sums; block
+// y0 + k + j goes to out[j * step].
+template <int M, int G, class Acc>
+inline void scores_4xG(const double* totals, int y, const Acc* sum, const Acc* sum_sq, const ScoreConstants& c,
+                       float* out, int step) {
+    __m256d r[G], den[G];
+    for (int g = 0; g < G; ++g) {
+        const int yg = y + 4 * g;
+        const __m256d b = _mm256_load_pd(totals + 4 * g);
+        if (M == kSqDiff || M == kCorr) {
+            r[g] = b;
+        } else if (M == kSqDiffNormed || M == kCorrNormed) {
+            r[g] = _mm256_mul_pd(b, _mm256_set1_pd(c.r_tpl));
+            den[g] = load4(sum_sq + yg);
+        } else {
+            const __m256d s = load4(sum + yg);
+            const __m256d sk = _mm256_mul_pd(s, _mm256_set1_pd(c.k));
+            r[g] = _mm256_add_pd(b, _mm256_mul_pd(sk, _mm256_set1_pd(c.neg_t)));
+            if (M == kCoeffNormed) {
+                r[g] = _mm256_mul_pd(r[g], _mm256_set1_pd(c.r_tpl));
+                den[g] = _mm256_sub_pd(load4(sum_sq + yg), _mm256_mul_pd(sk, s));
+            }
+        }
+    }
+    if (method_normed(M)) {
+        rsqrt4xG<G>(den);
+        for (int g = 0; g < G; ++g) r[g] = _mm256_mul_pd(r[g], den[g]);
+    }
+    for (int g = 0; g < G; ++g) {
+        const __m128 f = _mm256_cvtpd_ps(r[g]);
+        float* o = out + static_cast<ptrdiff_t>(4 * g) * step;
+        _mm_store_ss(o, f);
+        _mm_store_ss(o + step, _mm_shuffle_ps(f, f, 1));
+        _mm_store_ss(o + 2 * step, _mm_shuffle_ps(f, f, 2));
+        _mm_store_ss(o + 3 * step, _mm_shuffle_ps(f, f, 3));
+    }
 }
 
 // Scores of blocks y0 .. y0 + count - 1 from their sums; block y0 + k goes
-// to out[k * step]. Sixteen at a time, then one at a time.
+// to out[k * step]. Thirty-two, then four at a time (their reciprocal
+// square roots interleaved), then one at a time.
 template <int M, class Acc>
 void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq, const ScoreConstants& c,
             float* out, int step) {
     int k = 0;
-    for (; k + 16 <= count; k += 16) {
-        __m256d r[4], den[4];
-        for (int g = 0; g < 4; ++g) {
-            const int y = y0 + k + 4 * g;
-            const __m256d b = _mm256_load_pd(totals + k + 4 * g);
-            if (M == kSqDiff || M == kCorr) {
-                r[g] = b;
-            } else if (M == kSqDiffNormed || M == kCorrNormed) {
-                r[g] = _mm256_mul_pd(b, _mm256_set1_pd(c.r_tpl));
-                den[g] = load4(sum_sq + y);
-            } else {
-                const __m256d s = load4(sum + y);
-                const __m256d sk = _mm256_mul_pd(s, _mm256_set1_pd(c.k));
-                r[g] = _mm256_add_pd(b, _mm256_mul_pd(sk, _mm256_set1_pd(c.neg_t)));
-                if (M == kCoeffNormed) {
-                    r[g] = _mm256_mul_pd(r[g], _mm256_set1_pd(c.r_tpl));
-                    den[g] = _mm256_sub_pd(load4(sum_sq + y), _mm256_mul_pd(sk, s));
-                }
-            }
-        }
-        if (method_normed(M)) {
-            rsqrt4x4(den);
-            for (int g = 0; g < 4; ++g) r[g] = _mm256_mul_pd(r[g], den[g]);
-        }
-        for (int g = 0; g < 4; ++g) {
-            const __m128 f = _mm256_cvtpd_ps(r[g]);
-            float* o = out + static_cast<ptrdiff_t>(k + 4 * g) * step;
-            _mm_store_ss(o, f);
-            _mm_store_ss(o + step, _mm_shuffle_ps(f, f, 1));
-            _mm_store_ss(o + 2 * step, _mm_shuffle_ps(f, f, 2));
-            _mm_store_ss(o + 3 * step, _mm_shuffle_ps(f, f, 3));
-        }
-    }
+    for (; k + 32 <= count; k += 32)
+        scores_4xG<M, 8>(totals + k, y0 + k, sum, sum_sq, c, out + static_cast<ptrdiff_t>(k) * step, step);
+    for (; k + 4 <= count; k += 4)
+        scores_4xG<M, 1>(totals + k, y0 + k, sum, sum_sq, c, out + static_cast<ptrdiff_t>(k) * step, step);
     for (; k < count; ++k)
         out[static_cast<ptrdiff_t>(k) * step] = scalar::score_at<M>(totals[k], sum, sum_sq, y0 + k, c);
 }
