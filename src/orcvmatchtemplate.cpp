@@ -8,7 +8,7 @@
 // the slot the previous view's next row no longer needs), the per-row sums
 // follow the advance, the patch sums run down the column, a column kernel
 // gives the scores, which leave for the destination several columns at a
-// time.
+// time. Byte images, whose sums are exact, are swept so in bands of rows.
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -159,148 +159,208 @@ void write_held(const float* ring, int held, int first, int n, int rows, float* 
     }
 }
 
+// The scores of the last columns of a band wait in the block-result column
+// (8 bytes per destination row) as a ring of `held` columns and go out in
+// groups: pairs for whole columns; for bands groups of up to 8 columns (half
+// a cache line per row), each written one group late so that its scores
+// have left the store queue when they are read back.
+class HeldScores {
+public:
+    HeldScores(float* ring, int rows, int band) : ring_(ring) {
+        if (band < rows) {
+            const int most = 2 * rows / band;
+            held_ = most < 16 ? most : 16;
+            group_ = held_ / 2;
+            delay_ = group_;
+        } else {
+            held_ = group_ = 2;
+            delay_ = 0;
+        }
+    }
+    int step() const { return held_; }
+    float* column(int x) const { return ring_ + x % held_; }
+    void start_band() { written_ = 0; }
+
+    // Column x of `cols` has its scores in place.
+    void done(int x, int cols, int count, float* dst, int dstStep) {
+        const int ready = x + 1 == cols ? cols : x + 1 - delay_;
+        if (((x + 1) % group_ == 0 || x + 1 == cols) && ready > written_) {
+            write_held(ring_, held_, written_ % held_, ready - written_, count, dst + written_, dstStep);
+            written_ = ready;
+        }
+    }
+
+private:
+    float* ring_;
+    int held_, group_, delay_, written_ = 0;
+};
+
+// One call's sweep: the scratch carved into its blocks, the template
+// constants and the kernels. Each band of destination rows (the whole
+// column for float images) is swept column by column.
+template <class T, int M>
+class Sweep {
+    using Acc = typename MatchAcc<T>::type;
+    static constexpr bool kCoeff = a6::method_coeff(M), kNormed = a6::method_normed(M);
+    static constexpr int kSums = int(kCoeff) + 2 * int(kNormed);  // kernel index of the row sums
+
+public:
+    Sweep(const T* src, int srcStep, OruSize src_size, const T* tpl, int tplStep, OruSize tpl_size, float* dst,
+          int dstStep, uint8_t* buffer, const Layout& layout)
+        : src_(src), src_step_(srcStep), dst_(dst), dst_step_(dstStep), tw_(tpl_size.width), th_(tpl_size.height),
+          cols_(src_size.width - tw_ + 1), rows_(src_size.height - th_ + 1),
+          // Float sums depend on the order of the running sums, so float
+          // images are swept over whole columns, exactly as the sums are
+          // defined. Byte sums are exact integers, which leaves the order
+          // free: there the destination is swept in bands of rows, each band
+          // column by column, so that a band's source rows, strip and sums
+          // stay in the first-level cache from one column to the next.
+          band_(sizeof(T) == 1 && kByteBand < rows_ ? kByteBand : rows_),
+          bk_(a6::block_kernels<T>(a6::match_kernels())),
+          held_(reinterpret_cast<float*>(align32(buffer) + layout.block), rows_, band_) {
+        uint8_t* base = align32(buffer);
+        packed_ = reinterpret_cast<T*>(base);
+        strip_ = reinterpret_cast<T*>(base + layout.strip);
+        if (kCoeff) row_sum_ = reinterpret_cast<Acc*>(base + layout.row_sum);
+        if (kNormed) row_sq_ = reinterpret_cast<Acc*>(base + layout.row_sq);
+        if (kCoeff) patch_sum_ = reinterpret_cast<Acc*>(base + layout.patch);
+        if (kNormed) patch_sq_ = reinterpret_cast<Acc*>(base + layout.patch) + (kCoeff ? rows_ : 0);
+        for (int j = 0; j < th_; ++j)
+            copy_bytes(packed_ + static_cast<ptrdiff_t>(j) * tw_, row_at(tpl, tplStep, j), tw_ * sizeof(T));
+        constants();
+        plan_grouped(base + layout.row_sum, layout.total - 32 - layout.row_sum);
+    }
+
+    void run() {
+        for (int y0 = 0; y0 < rows_; y0 += band_) {
+            const int count = rows_ - y0 < band_ ? rows_ - y0 : band_;
+            const T* src = row_at(src_, src_step_, y0);
+            for (int i = 0; i < count + th_ - 1; ++i)
+                copy_bytes(strip_ + static_cast<ptrdiff_t>(i) * tw_, row_at(src, src_step_, i), tw_ * sizeof(T));
+            held_.start_band();
+            if (grouped_) grouped_band(src, count, row_at(dst_, dst_step_, y0));
+            else band(src, count, row_at(dst_, dst_step_, y0));
+        }
+    }
+
+private:
+    static uint8_t* align32(uint8_t* p) { return p + (32 - reinterpret_cast<uintptr_t>(p) % 32) % 32; }
+
+    // T, T2, k and the template's reciprocal square root.
+    void constants() {
+        const int n = tw_ * th_;
+        c_.k = 1.0 / (static_cast<double>(n) + a6::scalar::kDoubleEpsilon);
+        double t = 0.0;
+        if (kCoeff) {
+            t = a6::scalar::to_double(bk_.sum(packed_, n));
+            c_.neg_t = -t;
+        }
+        if (kNormed) {
+            c_.t2 = a6::scalar::to_double(bk_.corr(packed_, packed_, n));
+            c_.r_tpl = a6::scalar::rsqrt(kCoeff ? c_.t2 - t * c_.k * t : c_.t2);
+        }
+    }
+
+    // Bands of byte images take their row and patch sums eight columns at a
+    // time (32-bit row sums, 8 per row; patch sums column by column) when
+    // the runs are short enough for 32-bit sums and the row-sum and
+    // patch-sum blocks have room for them.
+    void plan_grouped(uint8_t* blocks, int64_t room) {
+        const int kinds = int(kCoeff) + int(kNormed);
+        const size_t rows8 = 32 * (static_cast<size_t>(band_) + th_ - 1), cols8 = 64 * static_cast<size_t>(band_);
+        grouped_ = sizeof(T) == 1 && band_ < rows_ && kinds > 0 && tw_ * th_ <= kGroupedRunMax &&
+                   static_cast<int64_t>(kinds * (rows8 + cols8)) <= room;
+        if (!grouped_) return;
+        if (kCoeff) rows8_sum_ = reinterpret_cast<int32_t*>(blocks), blocks += rows8;
+        if (kNormed) rows8_sq_ = reinterpret_cast<int32_t*>(blocks), blocks += rows8;
+        if (kCoeff) cols_sum_ = reinterpret_cast<int64_t*>(blocks), blocks += cols8;
+        if (kNormed) cols_sq_ = reinterpret_cast<int64_t*>(blocks);
+    }
+
+    // A band with the row and patch sums advanced column by column.
+    void band(const T* src, int count, float* dst) {
+        const int src_rows = count + th_ - 1;
+        for (int i = 0; i < src_rows; ++i) {
+            const T* r = strip_ + static_cast<ptrdiff_t>(i) * tw_;
+            if (kCoeff) row_sum_[i] = bk_.sum(r, tw_);
+            if (kNormed) row_sq_[i] = bk_.corr(r, r, tw_);
+        }
+        if (kCoeff || kNormed) patch_sums(row_sum_, row_sq_, th_, count, patch_sum_, patch_sq_);
+        for (int x = 0; x < cols_; ++x) {
+            T* view = strip_ + x;
+            if (x > 0)
+                bk_.advance[kSums](view, src + x + tw_ - 1, src_step_, src_rows, tw_, th_, row_sum_, row_sq_,
+                                   patch_sum_, patch_sq_);
+            score_column(view, count, patch_sum_, patch_sq_, x, dst);
+        }
+    }
+
+    // A band of a byte image with grouped row and patch sums: the first
+    // column's sums from the run kernels, then eight columns' at a time
+    // while the strip advances column by column.
+    void grouped_band(const T* src, int count, float* dst) {
+        if constexpr (sizeof(T) == 1) {
+            const int src_rows = count + th_ - 1;
+            int64_t ps = 0, pq = 0;
+            for (int i = 0; i < src_rows; ++i) {
+                const T* r = strip_ + static_cast<ptrdiff_t>(i) * tw_;
+                const int y = i - th_ + 1;
+                if (kCoeff) {
+                    rows8_sum_[8 * i + 7] = static_cast<int32_t>(bk_.sum(r, tw_));
+                    ps += rows8_sum_[8 * i + 7] - (y > 0 ? rows8_sum_[8 * (y - 1) + 7] : 0);
+                    if (y >= 0) cols_sum_[y] = ps;
+                }
+                if (kNormed) {
+                    rows8_sq_[8 * i + 7] = static_cast<int32_t>(bk_.corr(r, r, tw_));
+                    pq += rows8_sq_[8 * i + 7] - (y > 0 ? rows8_sq_[8 * (y - 1) + 7] : 0);
+                    if (y >= 0) cols_sq_[y] = pq;
+                }
+            }
+            for (int x = 0; x < cols_; ++x) {
+                T* view = strip_ + x;
+                const int slot = x == 0 ? 0 : (x - 1) % 8;
+                if (x > 0) {
+                    if (slot == 0)
+                        bk_.group_sums[kSums](src, src_step_, src_rows, tw_, th_, x, cols_ - x < 8 ? cols_ - x : 8,
+                                              rows8_sum_, rows8_sq_, cols_sum_, cols_sq_);
+                    bk_.advance[0](view, src + x + tw_ - 1, src_step_, src_rows, tw_, th_, nullptr, nullptr, nullptr,
+                                   nullptr);
+                }
+                const ptrdiff_t at = static_cast<ptrdiff_t>(slot) * count;
+                score_column(view, count, kCoeff ? cols_sum_ + at : nullptr, kNormed ? cols_sq_ + at : nullptr, x, dst);
+            }
+        }
+    }
+
+    void score_column(const T* view, int count, const Acc* sum, const Acc* sum_sq, int x, float* dst) {
+        bk_.column_scores[M](view, tw_, th_, count, packed_, sum, sum_sq, c_, held_.column(x), held_.step());
+        held_.done(x, cols_, count, dst, dst_step_);
+    }
+
+    const T* src_;
+    int src_step_;
+    float* dst_;
+    int dst_step_;
+    int tw_, th_, cols_, rows_, band_;
+    const a6::BlockKernels<T>& bk_;
+    HeldScores held_;
+    a6::ScoreConstants c_{};
+    T* packed_ = nullptr;
+    T* strip_ = nullptr;
+    Acc *row_sum_ = nullptr, *row_sq_ = nullptr, *patch_sum_ = nullptr, *patch_sq_ = nullptr;
+    bool grouped_ = false;
+    int32_t *rows8_sum_ = nullptr, *rows8_sq_ = nullptr;
+    int64_t *cols_sum_ = nullptr, *cols_sq_ = nullptr;
+};
+
 template <class T, int M>
 OruStatus match(const T* pSrc, int srcStep, OruSize src, const T* pTpl, int tplStep, OruSize tpl, Oru32f* pDst,
                 int dstStep, Oru8u* pBuffer) {
-    using Acc = typename MatchAcc<T>::type;
-    constexpr bool coeff = a6::method_coeff(M), normed = a6::method_normed(M);
     constexpr int element = sizeof(T);
     if (OruStatus s = check_match(pSrc, srcStep, src, pTpl, tplStep, tpl, pDst, dstStep, pBuffer, element)) return s;
     Layout layout;
-    if (!match_layout(src, tpl, element, coeff, normed, &layout)) return oruStsSize;
-
-    const int tw = tpl.width, th = tpl.height, sh = src.height;
-    const int n = tw * th, cols = src.width - tw + 1, rows = sh - th + 1;
-
-    // Carve the scratch, its start rounded up to 32 bytes.
-    uint8_t* base = pBuffer + ((32 - reinterpret_cast<uintptr_t>(pBuffer) % 32) % 32);
-    T* packed = reinterpret_cast<T*>(base);
-    T* strip = reinterpret_cast<T*>(base + layout.strip);
-    Acc* row_sum = coeff ? reinterpret_cast<Acc*>(base + layout.row_sum) : nullptr;
-    Acc* row_sq = normed ? reinterpret_cast<Acc*>(base + layout.row_sq) : nullptr;
-    Acc* patch_sum = coeff ? reinterpret_cast<Acc*>(base + layout.patch) : nullptr;
-    Acc* patch_sq = normed ? reinterpret_cast<Acc*>(base + layout.patch) + (coeff ? rows : 0) : nullptr;
-    float* scores = reinterpret_cast<float*>(base + layout.block);
-
-    for (int j = 0; j < th; ++j) copy_bytes(packed + static_cast<ptrdiff_t>(j) * tw, row_at(pTpl, tplStep, j), tw * sizeof(T));
-
-    const a6::MatchKernels& kernels = a6::match_kernels();
-    const a6::BlockKernels<T>& bk = a6::block_kernels<T>(kernels);
-
-    // Template constants.
-    a6::ScoreConstants c{};
-    c.k = 1.0 / (static_cast<double>(n) + a6::scalar::kDoubleEpsilon);
-    double t = 0.0;
-    if (coeff) {
-        t = a6::scalar::to_double(bk.sum(packed, n));
-        c.neg_t = -t;
-    }
-    if (normed) {
-        const double t2 = a6::scalar::to_double(bk.corr(packed, packed, n));
-        c.t2 = t2;
-        c.r_tpl = a6::scalar::rsqrt(coeff ? t2 - t * c.k * t : t2);
-    }
-
-    // Float sums depend on the order of the running sums, so float images
-    // are swept over whole columns, exactly as the sums are defined. Byte
-    // sums are exact integers, which leaves the order free: there the
-    // destination is swept in bands of rows, each band column by column, so
-    // that a band's source rows, strip and sums stay in the first-level
-    // cache from one column to the next.
-    const int band = sizeof(T) == 1 ? kByteBand : rows;
-    // The block-result column (8 bytes per destination row) holds the
-    // scores of the last columns of a band in a ring, and they go out in
-    // groups: pairs for whole columns; for bands groups of up to 8 columns
-    // (half a cache line per row), each written one group late so that its
-    // scores have left the store queue when they are read back.
-    const int held_max = 2 * rows / (rows < band ? rows : band);
-    const int held = band < rows ? (held_max < 16 ? held_max : 16) : 2;
-    const int group = band < rows ? held / 2 : 2;
-    const int delay = band < rows ? group : 0;
-    const a6::ColumnScores<T> column = bk.column_scores[M];
-    const int sums_index = int(coeff) + 2 * int(normed);
-    const auto advance = bk.advance[sums_index];
-
-    // Bands of byte images can take their row and patch sums eight columns
-    // at a time (32-bit row sums, 8 per row; patch sums column by column),
-    // when the runs are short enough for 32-bit sums and the row-sum and
-    // patch-sum blocks have room for them.
-    const int kinds = int(coeff) + int(normed);
-    const int64_t group_bytes = kinds * (32 * (static_cast<int64_t>(band) + th - 1) + 64 * static_cast<int64_t>(band));
-    const bool grouped = sizeof(T) == 1 && band < rows && kinds > 0 && n <= kGroupedRunMax &&
-                         group_bytes <= layout.total - 32 - layout.row_sum;
-    int32_t* rows8_sum = nullptr;
-    int32_t* rows8_sq = nullptr;
-    int64_t* cols_sum = nullptr;
-    int64_t* cols_sq = nullptr;
-    if (grouped) {
-        uint8_t* p = base + layout.row_sum;
-        const size_t rows8 = 32 * (static_cast<size_t>(band) + th - 1), cols8 = 64 * static_cast<size_t>(band);
-        if (coeff) rows8_sum = reinterpret_cast<int32_t*>(p), p += rows8;
-        if (normed) rows8_sq = reinterpret_cast<int32_t*>(p), p += rows8;
-        if (coeff) cols_sum = reinterpret_cast<int64_t*>(p), p += cols8;
-        if (normed) cols_sq = reinterpret_cast<int64_t*>(p);
-    }
-
-    for (int y0 = 0; y0 < rows; y0 += band) {
-        const int count = rows - y0 < band ? rows - y0 : band;
-        const int src_rows = count + th - 1;
-        const T* src = row_at(pSrc, srcStep, y0);
-        float* dst = row_at(pDst, dstStep, y0);
-        for (int i = 0; i < src_rows; ++i)
-            copy_bytes(strip + static_cast<ptrdiff_t>(i) * tw, row_at(src, srcStep, i), tw * sizeof(T));
-
-        // Row and patch sums of the first column.
-        if (grouped) {
-            int64_t ps = 0, pq = 0;
-            for (int i = 0; i < src_rows; ++i) {
-                const T* r = strip + static_cast<ptrdiff_t>(i) * tw;
-                if (coeff) rows8_sum[8 * i + 7] = static_cast<int32_t>(a6::scalar::to_double(bk.sum(r, tw)));
-                if (normed) rows8_sq[8 * i + 7] = static_cast<int32_t>(a6::scalar::to_double(bk.corr(r, r, tw)));
-                const int y = i - th + 1;
-                if (coeff) ps += rows8_sum[8 * i + 7] - (y > 0 ? rows8_sum[8 * (y - 1) + 7] : 0);
-                if (normed) pq += rows8_sq[8 * i + 7] - (y > 0 ? rows8_sq[8 * (y - 1) + 7] : 0);
-                if (y >= 0 && coeff) cols_sum[y] = ps;
-                if (y >= 0 && normed) cols_sq[y] = pq;
-            }
-        } else {
-            for (int i = 0; i < src_rows; ++i) {
-                const T* r = strip + static_cast<ptrdiff_t>(i) * tw;
-                if (coeff) row_sum[i] = bk.sum(r, tw);
-                if (normed) row_sq[i] = bk.corr(r, r, tw);
-            }
-            if (coeff || normed) patch_sums(row_sum, row_sq, th, count, patch_sum, patch_sq);
-        }
-
-        int written = 0;
-        for (int x = 0; x < cols; ++x) {
-            T* view = strip + x;
-            const Acc* sum = patch_sum;
-            const Acc* sum_sq = patch_sq;
-            if (grouped) {
-                const int slot = x == 0 ? 0 : (x - 1) % 8;
-                if (x > 0 && slot == 0)
-                    bk.group_sums[sums_index](src, srcStep, src_rows, tw, th, x, cols - x < 8 ? cols - x : 8,
-                                              rows8_sum, rows8_sq, cols_sum, cols_sq);
-                if (x > 0) bk.advance[0](view, src + x + tw - 1, srcStep, src_rows, tw, th, nullptr, nullptr, nullptr, nullptr);
-                sum = coeff ? reinterpret_cast<const Acc*>(cols_sum + static_cast<ptrdiff_t>(slot) * count) : nullptr;
-                sum_sq = normed ? reinterpret_cast<const Acc*>(cols_sq + static_cast<ptrdiff_t>(slot) * count) : nullptr;
-            } else if (x > 0) {
-                advance(view, src + x + tw - 1, srcStep, src_rows, tw, th, row_sum, row_sq, patch_sum, patch_sq);
-            }
-            column(view, tw, th, count, packed, sum, sum_sq, c, scores + x % held, held);
-            // Columns up to `written` are in the destination.
-            const int ready = x + 1 - delay;
-            if ((x + 1) % group == 0 && ready > written) {
-                write_held(scores, held, written % held, ready - written, count, dst + written, dstStep);
-                written = ready;
-            }
-            if (x == cols - 1 && written < cols) {
-                write_held(scores, held, written % held, cols - written, count, dst + written, dstStep);
-                written = cols;
-            }
-        }
-    }
+    if (!match_layout(src, tpl, element, a6::method_coeff(M), a6::method_normed(M), &layout)) return oruStsSize;
+    Sweep<T, M>(pSrc, srcStep, src, pTpl, tplStep, tpl, pDst, dstStep, pBuffer, layout).run();
     return oruStsOk;
 }
 

@@ -517,8 +517,9 @@ inline void transpose8(__m256i* v) {
 
 // Patch sums of eight columns for destination rows y0 .. y0 + n - 1 (n <= 8),
 // given as eight-lane vectors p[0..n), stored column by column as 64-bit.
-inline void store_patches(__m256i* p, int n, int64_t* patch, int count, int y0) {
-    for (int r = n; r < 8; ++r) p[r] = _mm256_setzero_si256();
+inline void store_patches(const __m256i* rows, int n, int64_t* patch, int count, int y0) {
+    __m256i p[8];
+    for (int r = 0; r < 8; ++r) p[r] = r < n ? rows[r] : _mm256_setzero_si256();
     transpose8(p);
     for (int k = 0; k < 8; ++k) {
         int64_t* out = patch + static_cast<ptrdiff_t>(k) * count + y0;
