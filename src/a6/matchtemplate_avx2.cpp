@@ -244,10 +244,13 @@ double sqdiff_floats(const float* a, const float* b, int n) { return run_floats<
 double corr_floats(const float* a, const float* b, int n) { return run_floats<scalar::CorrTerm>(a, b, n); }
 
 // Adds strip row s, converted once, to blocks g_lo..g_hi of a group, as
-// their template rows r - g (t0 is template row r).
-template <class Term, int G>
+// their template rows r - g (t0 is template row r). kChunks is width / 8
+// when known at compile time, else 0.
+template <class Term, int G, int kChunks>
 inline void add_row(Lanes* acc, const float* s, const double* t0, int width, int g_lo, int g_hi) {
-    for (int c = 0; c < width; c += 8) {
+    const int chunks = kChunks ? kChunks : width / 8;
+    for (int k = 0; k < chunks; ++k) {
+        const int c = 8 * k;
         const __m256d lo = cvt4(s + c), hi = cvt4(s + c + 4);
         for (int g = 0; g < G; ++g) {
             if (g < g_lo || g > g_hi) continue;
@@ -262,15 +265,19 @@ inline void add_row(Lanes* acc, const float* s, const double* t0, int width, int
 // row: strip row r goes to every block g of the group that holds it, as its
 // template row r - g. Each lane of each block still takes its elements in
 // increasing order, so the sums equal the run kernel's.
-template <class Term, int G>
+template <class Term, int G, int kChunks>
 void blocks_by_rows(const float* runs, int width, int height, const double* tpl, double* out) {
     Lanes acc[G];
     for (auto& a : acc) a.lo = a.hi = _mm256_setzero_pd();
     for (int r = 0; r < G + height - 1; ++r) {
         const float* s = runs + static_cast<ptrdiff_t>(r) * width;
         const double* t0 = tpl + static_cast<ptrdiff_t>(r) * width;
-        if (r >= G - 1 && r < height) add_row<Term, G>(acc, s, t0, width, 0, G - 1);  // every block holds row r
-        else add_row<Term, G>(acc, s, t0, width, r - height + 1 > 0 ? r - height + 1 : 0, r < G - 1 ? r : G - 1);
+        if (r >= G - 1 && r < height) {
+            add_row<Term, G, kChunks>(acc, s, t0, width, 0, G - 1);  // every block holds row r
+        } else {
+            add_row<Term, G, kChunks>(acc, s, t0, width, r - height + 1 > 0 ? r - height + 1 : 0,
+                                      r < G - 1 ? r : G - 1);
+        }
     }
     for (int g = 0; g < G; ++g) out[g] = combine(acc[g]);
 }
@@ -293,18 +300,29 @@ public:
             for (int y = 0; y < count; ++y) totals[y] = run_floats<Term>(runs + static_cast<ptrdiff_t>(y) * width_, tpl_, n);
             return;
         }
-        int y = 0;
-        for (; y + 4 <= count; y += 4) blocks_by_rows<Term, 4>(at(runs, y), width_, height_, tpl_d_, totals + y);
-        switch (count - y) {
-        case 3: blocks_by_rows<Term, 3>(at(runs, y), width_, height_, tpl_d_, totals + y); break;
-        case 2: blocks_by_rows<Term, 2>(at(runs, y), width_, height_, tpl_d_, totals + y); break;
-        case 1: blocks_by_rows<Term, 1>(at(runs, y), width_, height_, tpl_d_, totals + y); break;
-        default: break;
+        switch (width_ / 8) {  // the widths of common templates unrolled
+        case 1: by_rows<1>(runs, count, totals); break;
+        case 2: by_rows<2>(runs, count, totals); break;
+        case 4: by_rows<4>(runs, count, totals); break;
+        default: by_rows<0>(runs, count, totals); break;
         }
     }
 
 private:
     const float* at(const float* runs, int y) const { return runs + static_cast<ptrdiff_t>(y) * width_; }
+
+    template <int kChunks>
+    void by_rows(const float* runs, int count, double* totals) const {
+        int y = 0;
+        for (; y + 4 <= count; y += 4)
+            blocks_by_rows<Term, 4, kChunks>(at(runs, y), width_, height_, tpl_d_, totals + y);
+        switch (count - y) {
+        case 3: blocks_by_rows<Term, 3, kChunks>(at(runs, y), width_, height_, tpl_d_, totals + y); break;
+        case 2: blocks_by_rows<Term, 2, kChunks>(at(runs, y), width_, height_, tpl_d_, totals + y); break;
+        case 1: blocks_by_rows<Term, 1, kChunks>(at(runs, y), width_, height_, tpl_d_, totals + y); break;
+        default: break;
+        }
+    }
 
     int width_, height_;
     const float* tpl_;
