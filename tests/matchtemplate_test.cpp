@@ -340,6 +340,66 @@ TEST(MatchTemplateValues, TallUnsigned) { check_tall<Oru8u>(); }
 TEST(MatchTemplateValues, TallSigned) { check_tall<Oru8s>(); }
 TEST(MatchTemplateValues, TallFloat) { check_tall<Oru32f>(); }
 
+// The scores of byte images follow their formulas to the bit: exact sums,
+// k = 1 / (N + 2^-52), the Coeff numerator C + (S k)(-T), and r(v) as the
+// estimate from the single-precision bits (0xBE6F0000 - b) >> 1 refined by
+// four Newton steps y (1.5 - ((a / 2) y) y) in double, a = |v| + 2^-23.
+double newton_rsqrt(double v) {
+    const double a = std::fabs(v) + 1.1920928955078125e-07;
+    const float af = static_cast<float>(a);
+    uint32_t b;
+    std::memcpy(&b, &af, 4);
+    const uint32_t yb = (0xBE6F0000u - b) >> 1;
+    float y0;
+    std::memcpy(&y0, &yb, 4);
+    double y = y0;
+    for (int i = 0; i < 4; ++i) y = y * (1.5 - 0.5 * a * y * y);
+    return y;
+}
+
+template <class Pixel>
+void check_formulas(int tw, int th, int rows) {
+    GuardedImage<Pixel> src(tw + 40, th + rows - 1), tpl(tw, th);
+    fill(src, 500 + tw);
+    fill(tpl, 600 + th);
+    const int w = src.width() - tw + 1, h = src.height() - th + 1, n = tw * th;
+    const double k = 1.0 / (n + 2.220446049250313e-16);
+    for (int m = 0; m < kMethods; ++m)
+        expect_same_on_every_path([&] {
+            const auto got = run_match(m, src, tpl);
+            int wrong = 0;
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x) {
+                    int64_t d = 0, c = 0, s = 0, s2 = 0, t = 0, t2 = 0;
+                    for (int j = 0; j < th; ++j)
+                        for (int i = 0; i < tw; ++i) {
+                            const int64_t a = src.at(x + i, y + j), b = tpl.at(i, j);
+                            d += (a - b) * (a - b), c += a * b, s += a, s2 += a * a, t += b, t2 += b * b;
+                        }
+                    const double S = double(s), T_ = double(t), sk = S * k;
+                    const double num = double(c) + sk * -T_;
+                    const double want[kMethods] = {
+                        double(d),
+                        double(d) * newton_rsqrt(double(t2)) * newton_rsqrt(double(s2)),
+                        double(c),
+                        double(c) * newton_rsqrt(double(t2)) * newton_rsqrt(double(s2)),
+                        num,
+                        num * newton_rsqrt(double(t2) - T_ * k * T_) * newton_rsqrt(double(s2) - sk * S)};
+                    if (got[y * w + x] != static_cast<float>(want[m]) && wrong++ == 0)
+                        ADD_FAILURE() << kNames[m] << " at " << x << "," << y << ": " << got[y * w + x] << " for "
+                                      << static_cast<float>(want[m]);
+                }
+            EXPECT_EQ(wrong, 0) << kNames[m];
+            return got;
+        });
+}
+// 71 rows: two bands; 420 rows: row sums eight columns at a time.
+TEST(MatchTemplateValues, FormulasUnsigned) {
+    check_formulas<Oru8u>(3, 2, 71);
+    check_formulas<Oru8u>(8, 8, 420);
+}
+TEST(MatchTemplateValues, FormulasSigned) { check_formulas<Oru8s>(5, 4, 420); }
+
 // A template cut from the source: squared difference exactly 0 there,
 // normalised correlation and coefficient 1, and the best of the
 // difference and normalised scores there.
