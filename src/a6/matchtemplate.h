@@ -1,4 +1,4 @@
-// Block kernels and score kernels of template matching.
+// Kernels of template matching.
 //
 // The matcher re-lays the source into a strip whose row pitch is the
 // template width, so that every template-sized block of a destination column
@@ -6,10 +6,13 @@
 // elements after the previous one. The kernels here work on such runs:
 //  - run kernels: the sum, the sum of squared differences and the sum of
 //    products of one run (with the packed template);
-//  - column kernels: the sums of squared differences or of products of
-//    `count` consecutive blocks of one column with the template;
-//  - score kernels: the scores of one destination column from the block
-//    results and the patch sums.
+//  - column kernels: the scores of the consecutive blocks of one column,
+//    from their sums of squared differences or of products with the
+//    template and the patch sums;
+//  - strip advances: the strip moved one column on, with the running row
+//    sums and the patch sums of the column;
+//  - grouped sums (byte images): the row and patch sums of eight columns at
+//    once.
 // Byte images are summed exactly in 64-bit integers. Float images are summed
 // in double precision over eight lanes: lane j adds the terms of elements
 // i = j, j + 8, j + 16, ... in that order (the last n mod 8 elements go to
