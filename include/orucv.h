@@ -544,6 +544,105 @@ ORUCV_API OruStatus oruiAddWeighted_32f_C1IMR(const Oru32f* pSrc, int srcStep, c
                                               Oru32f* pSrcDst, int srcDstStep, OruSize roiSize, Oru32f alpha);
 
 /* ---- Template matching ----------------------------------------------------- */
+/* Scores every placement of a template that lies wholly inside the source:
+ * the destination is (srcW - tplW + 1) x (srcH - tplH + 1) floats, the score
+ * at (x, y) belonging to the template's top-left corner on source pixel
+ * (x, y); nothing else of the destination is written. With s the patch
+ * pixels under the template and t the template pixels (N = tplW * tplH):
+ *   SqDiff        D = sum (s - t)^2
+ *   SqDiffNormed  D * r(T2) * r(S2)
+ *   Corr          C = sum s * t
+ *   CorrNormed    C * r(T2) * r(S2)
+ *   Coeff         C - S * T * k
+ *   CoeffNormed   (C - S * T * k) * r(T2 - T^2 * k) * r(S2 - S^2 * k)
+ * where S, S2, T, T2 are the sums of s, s^2, t, t^2, k = 1 / (N + 2^-52) and
+ * r(v) approximates 1 / sqrt(|v| + 2^-23). Byte images are summed exactly in
+ * 64-bit integers, float images in double precision.
+ *
+ * pBuffer is scratch of at least the size the matching
+ * oruiMatchTemplateGetBufSize_<Method> query reports for these sizes and
+ * type; it need not be aligned and is never checked for size.
+ *
+ * Checks, in order: a NULL pointer (oruStsNullPointer); tplW < 1, tplH < 1,
+ * srcW < tplW or srcH < tplH (oruStsSize); tplStep < tplW * e, then
+ * srcStep < srcW * e, then dstStep < 4 * (srcW - tplW + 1), then (float
+ * images) a source or template step not divisible by 4 or (every type) a
+ * destination step not divisible by 4 (all oruStsStep); e is the element
+ * size (1 or 4). Sizes whose scratch would exceed INT_MAX bytes give
+ * oruStsSize after these checks. */
+ORUCV_API OruStatus oruiMatchTemplate_SqDiff_8u32f_C1R(const Oru8u* pSrc, int srcStep, OruSize srcRoiSize,
+                                                       const Oru8u* pTpl, int tplStep, OruSize tplRoiSize,
+                                                       Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_SqDiff_8s32f_C1R(const Oru8s* pSrc, int srcStep, OruSize srcRoiSize,
+                                                       const Oru8s* pTpl, int tplStep, OruSize tplRoiSize,
+                                                       Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_SqDiff_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize srcRoiSize,
+                                                     const Oru32f* pTpl, int tplStep, OruSize tplRoiSize,
+                                                     Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_SqDiffNormed_8u32f_C1R(const Oru8u* pSrc, int srcStep, OruSize srcRoiSize,
+                                                             const Oru8u* pTpl, int tplStep, OruSize tplRoiSize,
+                                                             Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_SqDiffNormed_8s32f_C1R(const Oru8s* pSrc, int srcStep, OruSize srcRoiSize,
+                                                             const Oru8s* pTpl, int tplStep, OruSize tplRoiSize,
+                                                             Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_SqDiffNormed_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize srcRoiSize,
+                                                           const Oru32f* pTpl, int tplStep, OruSize tplRoiSize,
+                                                           Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_Corr_8u32f_C1R(const Oru8u* pSrc, int srcStep, OruSize srcRoiSize,
+                                                     const Oru8u* pTpl, int tplStep, OruSize tplRoiSize,
+                                                     Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_Corr_8s32f_C1R(const Oru8s* pSrc, int srcStep, OruSize srcRoiSize,
+                                                     const Oru8s* pTpl, int tplStep, OruSize tplRoiSize,
+                                                     Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_Corr_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize srcRoiSize,
+                                                   const Oru32f* pTpl, int tplStep, OruSize tplRoiSize,
+                                                   Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_CorrNormed_8u32f_C1R(const Oru8u* pSrc, int srcStep, OruSize srcRoiSize,
+                                                           const Oru8u* pTpl, int tplStep, OruSize tplRoiSize,
+                                                           Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_CorrNormed_8s32f_C1R(const Oru8s* pSrc, int srcStep, OruSize srcRoiSize,
+                                                           const Oru8s* pTpl, int tplStep, OruSize tplRoiSize,
+                                                           Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_CorrNormed_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize srcRoiSize,
+                                                         const Oru32f* pTpl, int tplStep, OruSize tplRoiSize,
+                                                         Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_Coeff_8u32f_C1R(const Oru8u* pSrc, int srcStep, OruSize srcRoiSize,
+                                                      const Oru8u* pTpl, int tplStep, OruSize tplRoiSize,
+                                                      Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_Coeff_8s32f_C1R(const Oru8s* pSrc, int srcStep, OruSize srcRoiSize,
+                                                      const Oru8s* pTpl, int tplStep, OruSize tplRoiSize,
+                                                      Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_Coeff_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize srcRoiSize,
+                                                    const Oru32f* pTpl, int tplStep, OruSize tplRoiSize,
+                                                    Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_CoeffNormed_8u32f_C1R(const Oru8u* pSrc, int srcStep, OruSize srcRoiSize,
+                                                            const Oru8u* pTpl, int tplStep, OruSize tplRoiSize,
+                                                            Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_CoeffNormed_8s32f_C1R(const Oru8s* pSrc, int srcStep, OruSize srcRoiSize,
+                                                            const Oru8s* pTpl, int tplStep, OruSize tplRoiSize,
+                                                            Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMatchTemplate_CoeffNormed_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize srcRoiSize,
+                                                          const Oru32f* pTpl, int tplStep, OruSize tplRoiSize,
+                                                          Oru32f* pDst, int dstStep, Oru8u* pBuffer);
+
+/* Scratch size in bytes for the match functions of one method, for these
+ * sizes and data type (oruDataType8u, oruDataType8s or oruDataType32f).
+ * Checks, in order: pBufferSize NULL (oruStsNullPointer, nothing written);
+ * then *pBufferSize is set to 0 and tplW <= 0, tplH <= 0, tplW > srcW or
+ * tplH > srcH give oruStsSize; an unknown dataType gives oruStsDataType; a
+ * size above INT_MAX gives oruStsSize. */
+ORUCV_API OruStatus oruiMatchTemplateGetBufSize_SqDiff(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
+                                                       int* pBufferSize);
+ORUCV_API OruStatus oruiMatchTemplateGetBufSize_SqDiffNormed(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
+                                                             int* pBufferSize);
+ORUCV_API OruStatus oruiMatchTemplateGetBufSize_Corr(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
+                                                     int* pBufferSize);
+ORUCV_API OruStatus oruiMatchTemplateGetBufSize_CorrNormed(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
+                                                           int* pBufferSize);
+ORUCV_API OruStatus oruiMatchTemplateGetBufSize_Coeff(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
+                                                      int* pBufferSize);
+ORUCV_API OruStatus oruiMatchTemplateGetBufSize_CoeffNormed(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
+                                                            int* pBufferSize);
 
 #ifdef __cplusplus
 }
