@@ -557,7 +557,8 @@ ORUCV_API OruStatus oruiAddWeighted_32f_C1IMR(const Oru32f* pSrc, int srcStep, c
  *   CoeffNormed   (C - S * T * k) * r(T2 - T^2 * k) * r(S2 - S^2 * k)
  * where S, S2, T, T2 are the sums of s, s^2, t, t^2, k = 1 / (N + 2^-52) and
  * r(v) approximates 1 / sqrt(|v| + 2^-23). Byte images are summed exactly in
- * 64-bit integers, float images in double precision.
+ * 64-bit integers, float images in double precision; a NaN score (from NaN
+ * pixels) is stored as the quiet NaN 0x7FC00000.
  *
  * pBuffer is scratch of at least the size the matching
  * oruiMatchTemplateGetBufSize_<Method> query reports for these sizes and

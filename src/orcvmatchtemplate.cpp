@@ -142,12 +142,23 @@ inline void patch_sums(const double* row_a, const double* row_b, int height, int
     }
 }
 
+// NaN scores (from NaN pixels of float images) become the one quiet NaN
+// 0x7FC00000: which payload a sum of two NaNs keeps depends on the operand
+// order, which the compiler chooses, so no path passes payloads through.
+void canonical_nans(float* scores, int n) {
+    for (int i = 0; i < n; ++i)
+        if (scores[i] != scores[i]) {
+            const uint32_t quiet = 0x7FC00000u;
+            std::memcpy(scores + i, &quiet, sizeof quiet);
+        }
+}
+
 // Writes n held columns of scores into the destination: column k of them
 // is ring slot (first + k) mod held, row y of a slot at y * held.
-void write_held(const float* ring, int held, int first, int n, int rows, float* dst, int dstStep) {
+void write_held(const float* ring, int held, int first, int n, int rows, float* dst, int dstStep, bool may_be_nan) {
     if (first + n > held) {  // wraps around the ring
-        write_held(ring, held, first, held - first, rows, dst, dstStep);
-        write_held(ring, held, 0, n - (held - first), rows, dst + (held - first), dstStep);
+        write_held(ring, held, first, held - first, rows, dst, dstStep, may_be_nan);
+        write_held(ring, held, 0, n - (held - first), rows, dst + (held - first), dstStep, may_be_nan);
         return;
     }
     for (int y = 0; y < rows; ++y) {
@@ -156,6 +167,7 @@ void write_held(const float* ring, int held, int first, int n, int rows, float* 
         if (n == 8) std::memcpy(to, from, 8 * sizeof(float));
         else if (n == 2) std::memcpy(to, from, 2 * sizeof(float));
         else copy_bytes(to, from, n * sizeof(float));
+        if (may_be_nan) canonical_nans(to, n);
     }
 }
 
@@ -166,7 +178,8 @@ void write_held(const float* ring, int held, int first, int n, int rows, float* 
 // have left the store queue when they are read back.
 class HeldScores {
 public:
-    HeldScores(float* ring, int rows, int band) : ring_(ring) {
+    // Scores of float images may be NaN; those of byte images never are.
+    HeldScores(float* ring, int rows, int band, bool may_be_nan) : ring_(ring), may_be_nan_(may_be_nan) {
         if (band < rows) {
             const int most = 2 * rows / band;
             held_ = most < 16 ? most : 16;
@@ -185,13 +198,14 @@ public:
     void done(int x, int cols, int count, float* dst, int dstStep) {
         const int ready = x + 1 == cols ? cols : x + 1 - delay_;
         if (((x + 1) % group_ == 0 || x + 1 == cols) && ready > written_) {
-            write_held(ring_, held_, written_ % held_, ready - written_, count, dst + written_, dstStep);
+            write_held(ring_, held_, written_ % held_, ready - written_, count, dst + written_, dstStep, may_be_nan_);
             written_ = ready;
         }
     }
 
 private:
     float* ring_;
+    bool may_be_nan_;
     int held_, group_, delay_, written_ = 0;
 };
 
@@ -217,7 +231,7 @@ public:
           // stay in the first-level cache from one column to the next.
           band_(sizeof(T) == 1 && kByteBand < rows_ ? kByteBand : rows_),
           bk_(a6::block_kernels<T>(a6::match_kernels())),
-          held_(reinterpret_cast<float*>(align32(buffer) + layout.block), rows_, band_) {
+          held_(reinterpret_cast<float*>(align32(buffer) + layout.block), rows_, band_, sizeof(T) == sizeof(float)) {
         uint8_t* base = align32(buffer);
         packed_ = reinterpret_cast<T*>(base);
         strip_ = reinterpret_cast<T*>(base + layout.strip);

@@ -505,3 +505,36 @@ void check_paths() {
 TEST(MatchTemplatePaths, Unsigned) { check_paths<Oru8u>(); }
 TEST(MatchTemplatePaths, Signed) { check_paths<Oru8s>(); }
 TEST(MatchTemplatePaths, Float) { check_paths<Oru32f>(); }
+
+// NaN pixels of assorted signs and payloads, in the source and then in the
+// template too: every NaN score is the one quiet NaN, on every path.
+TEST(MatchTemplatePaths, NaNScoresAreCanonical) {
+    GuardedImage<Oru32f> src(40, 30), tpl(9, 7);
+    fill(src, 5);
+    fill(tpl, 6);
+    Rng rng(7);
+    auto poison = [&](GuardedImage<Oru32f>& img, int count) {
+        for (int i = 0; i < count; ++i) {
+            const uint32_t bits = 0x7F800001u | (rng.next() & 0x803FFFFFu);
+            std::memcpy(&img.at(rng.uniform(0, img.width() - 1), rng.uniform(0, img.height() - 1)), &bits, 4);
+        }
+    };
+    for (int round = 0; round < 2; ++round) {
+        poison(src, 12);
+        if (round == 1) poison(tpl, 2);
+        for (int m = 0; m < kMethods; ++m)
+            expect_same_on_every_path([&] {
+                const std::vector<float> scores = run_match(m, src, tpl);
+                std::vector<uint32_t> bits(scores.size());
+                std::memcpy(bits.data(), scores.data(), 4 * scores.size());
+                int nans = 0;
+                for (uint32_t b : bits) {
+                    if ((b & 0x7FFFFFFFu) <= 0x7F800000u) continue;
+                    EXPECT_EQ(b, 0x7FC00000u) << kNames[m];
+                    ++nans;
+                }
+                EXPECT_GT(nans, 0) << kNames[m];
+                return bits;
+            });
+    }
+}
