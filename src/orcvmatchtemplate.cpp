@@ -271,7 +271,7 @@ private:
         }
         if (kNormed) {
             c_.t2 = a6::scalar::to_double(bk_.corr(packed_, packed_, n));
-            c_.r_tpl = a6::scalar::rsqrt(kCoeff ? c_.t2 - t * c_.k * t : c_.t2);
+            c_.r_tpl = a6::scalar::rsqrt(kCoeff ? c_.t2 - t * t * c_.k : c_.t2);
         }
     }
 

@@ -341,7 +341,8 @@ TEST(MatchTemplateValues, TallSigned) { check_tall<Oru8s>(); }
 TEST(MatchTemplateValues, TallFloat) { check_tall<Oru32f>(); }
 
 // The scores of byte images follow their formulas to the bit: exact sums,
-// k = 1 / (N + 2^-52), the Coeff numerator C + (S k)(-T), and r(v) as the
+// k = 1 / (N + 2^-52), the Coeff numerator C + (S k)(-T), the variance
+// terms T2 - (T T) k and S2 - (S S) k, and r(v) as the
 // estimate from the single-precision bits (0xBE6F0000 - b) >> 1 refined by
 // four Newton steps y (1.5 - ((a / 2) y) y) in double, a = |v| + 2^-23.
 double newton_rsqrt(double v) {
@@ -357,11 +358,15 @@ double newton_rsqrt(double v) {
     return y;
 }
 
+// A flat source gives constant patches, whose variance terms are rounding
+// noise, as are those of 1x1 templates: there the order of the products
+// shows in the scores.
 template <class Pixel>
-void check_formulas(int tw, int th, int rows) {
+void check_formulas(int tw, int th, int rows, bool flat = false, Pixel level = 0) {
     GuardedImage<Pixel> src(tw + 40, th + rows - 1), tpl(tw, th);
     fill(src, 500 + tw);
     fill(tpl, 600 + th);
+    if (flat) src.fill(level);
     const int w = src.width() - tw + 1, h = src.height() - th + 1, n = tw * th;
     const double k = 1.0 / (n + 2.220446049250313e-16);
     for (int m = 0; m < kMethods; ++m)
@@ -384,7 +389,7 @@ void check_formulas(int tw, int th, int rows) {
                         double(c),
                         double(c) * newton_rsqrt(double(t2)) * newton_rsqrt(double(s2)),
                         num,
-                        num * newton_rsqrt(double(t2) - T_ * k * T_) * newton_rsqrt(double(s2) - sk * S)};
+                        num * newton_rsqrt(double(t2) - T_ * T_ * k) * newton_rsqrt(double(s2) - S * S * k)};
                     if (got[y * w + x] != static_cast<float>(want[m]) && wrong++ == 0)
                         ADD_FAILURE() << kNames[m] << " at " << x << "," << y << ": " << got[y * w + x] << " for "
                                       << static_cast<float>(want[m]);
@@ -397,8 +402,14 @@ void check_formulas(int tw, int th, int rows) {
 TEST(MatchTemplateValues, FormulasUnsigned) {
     check_formulas<Oru8u>(3, 2, 71);
     check_formulas<Oru8u>(8, 8, 420);
+    check_formulas<Oru8u>(1, 1, 30);
+    check_formulas<Oru8u>(7, 7, 20, true, 242);
 }
-TEST(MatchTemplateValues, FormulasSigned) { check_formulas<Oru8s>(5, 4, 420); }
+TEST(MatchTemplateValues, FormulasSigned) {
+    check_formulas<Oru8s>(5, 4, 420);
+    check_formulas<Oru8s>(1, 1, 30);
+    check_formulas<Oru8s>(15, 7, 20, true, -100);
+}
 
 // A template cut from the source: squared difference exactly 0 there,
 // normalised correlation and coefficient 1, and the best of the

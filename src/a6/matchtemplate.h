@@ -165,7 +165,9 @@ static inline double rsqrt(double v) {
 static inline double to_double(int64_t v) { return static_cast<double>(v); }
 static inline double to_double(double v) { return v; }
 
-// The score of a block whose sum (exact for bytes) is b.
+// The score of a block whose sum (exact for bytes) is b. The coefficient
+// numerator is C + (S k)(-T); the variance terms square first, then scale:
+// S2 - (S S) k, as T2 - (T T) k for the template.
 template <int M, class Acc>
 static inline float score(double b, Acc sum, Acc sum_sq, const ScoreConstants& c) {
     if (M == kSqDiff || M == kCorr) return static_cast<float>(b);
@@ -174,7 +176,7 @@ static inline float score(double b, Acc sum, Acc sum_sq, const ScoreConstants& c
     const double sk = s * c.k;
     const double num = b + sk * c.neg_t;
     if (M == kCoeff) return static_cast<float>(num);
-    const double patch = to_double(sum_sq) - sk * s;
+    const double patch = to_double(sum_sq) - s * s * c.k;
     return static_cast<float>(num * c.r_tpl * rsqrt(patch));
 }
 

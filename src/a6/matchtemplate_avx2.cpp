@@ -379,7 +379,7 @@ inline void scores_4xG(const double* totals, int y, const Acc* sum, const Acc* s
             r[g] = _mm256_add_pd(b, _mm256_mul_pd(sk, _mm256_set1_pd(c.neg_t)));
             if (M == kCoeffNormed) {
                 r[g] = _mm256_mul_pd(r[g], _mm256_set1_pd(c.r_tpl));
-                den[g] = _mm256_sub_pd(load4(sum_sq + yg), _mm256_mul_pd(sk, s));
+                den[g] = _mm256_sub_pd(load4(sum_sq + yg), _mm256_mul_pd(_mm256_mul_pd(s, s), _mm256_set1_pd(c.k)));
             }
         }
     }

@@ -361,7 +361,7 @@ void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* 
             if (M == kCoeff) {
                 r = num;
             } else {
-                const __m128d patch = _mm_sub_pd(load2(sum_sq + y), _mm_mul_pd(sk, s));
+                const __m128d patch = _mm_sub_pd(load2(sum_sq + y), _mm_mul_pd(_mm_mul_pd(s, s), _mm_set1_pd(c.k)));
                 r = _mm_mul_pd(_mm_mul_pd(num, _mm_set1_pd(c.r_tpl)), rsqrt2(patch));
             }
         }
