@@ -20,9 +20,6 @@ namespace orucv {
 namespace a6 {
 namespace {
 
-inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
-inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
-
 // ---- Bytes ----
 
 template <class T>
@@ -106,24 +103,6 @@ int64_t run_bytes(const T* a, const T* b, int n) {
     }
     const int64_t tail = kSq ? scalar::sqdiff_bytes(a + i, b + i, n - i) : scalar::corr_bytes(a + i, b + i, n - i);
     return total64(acc64) + tail;
-}
-
-template <class T>
-int64_t sqdiff_bytes(const T* a, const T* b, int n) { return run_bytes<T, true>(a, b, n); }
-template <class T>
-int64_t corr_bytes(const T* a, const T* b, int n) { return run_bytes<T, false>(a, b, n); }
-
-// The last piece of a run of n >= 8 bytes, as 16 bytes of which only those
-// set in tail_mask count: the 16 bytes ending at the run's end when n >= 16
-// (after the whole 16-byte pieces), else the first 8 and the last 8 bytes.
-template <class T>
-inline __m128i tail_piece(const T* p, int n) {
-    if (n >= 16) return load(p + n - 16);
-    return _mm_unpacklo_epi64(load8(p), load8(p + n - 8));
-}
-inline __m128i tail_mask(int n) {
-    if (n >= 16) return load(kTailMask16 + (n & 15));
-    return _mm_or_si128(load(kTailMask16 + n - 8), _mm_set_epi32(0, 0, -1, -1));
 }
 
 // Block sums of a column of byte runs, four blocks at a time in 32-bit
@@ -240,8 +219,6 @@ double run_floats(const float* a, const float* b, int n) {
 }
 
 double sum_floats(const float* p, int n) { return run_floats<scalar::SumTerm>(p, p, n); }
-double sqdiff_floats(const float* a, const float* b, int n) { return run_floats<scalar::SqDiffTerm>(a, b, n); }
-double corr_floats(const float* a, const float* b, int n) { return run_floats<scalar::CorrTerm>(a, b, n); }
 
 // Adds strip row s, converted once, to blocks g_lo..g_hi of a group, as
 // their template rows r - g (t0 is template row r). kChunks is width / 8
@@ -397,12 +374,34 @@ inline void scores_4xG(const double* totals, int y, const Acc* sum, const Acc* s
     }
 }
 
-// Scores of blocks y0 .. y0 + count - 1 from their sums; block y0 + k goes
-// to out[k * step]. Thirty-two, then four at a time (their reciprocal
-// square roots interleaved), then one at a time.
+// The batch steps of the column kernels (see SimdColumns).
+struct Batch {
+    static constexpr int kAlign = 32;
+
+    // Squared differences S2 - 2 C + T2 of the first k of m product totals;
+    // returns k.
+    static int from_products(double* totals, int m, const int64_t* sum_sq, double t2) {
+        int k = 0;
+        for (; k + 4 <= m; k += 4) {
+            const __m256d twice = _mm256_add_pd(_mm256_load_pd(totals + k), _mm256_load_pd(totals + k));
+            _mm256_store_pd(totals + k,
+                            _mm256_add_pd(_mm256_sub_pd(load4(sum_sq + k), twice), _mm256_set1_pd(t2)));
+        }
+        return k;
+    }
+
+    // Scores of blocks y0 .. y0 + count - 1 from their sums; block y0 + k goes
+    // to out[k * step]. Thirty-two, then four at a time (their reciprocal
+    // square roots interleaved), then one at a time.
+    template <int M, class Acc>
+    static void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq,
+                       const ScoreConstants& c, float* out, int step);
+};
+
+// Defined outside the class so that it is not implicitly inline.
 template <int M, class Acc>
-void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq, const ScoreConstants& c,
-            float* out, int step) {
+void Batch::scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq,
+                   const ScoreConstants& c, float* out, int step) {
     int k = 0;
     for (; k + 32 <= count; k += 32)
         scores_4xG<M, 8>(totals + k, y0 + k, sum, sum_sq, c, out + static_cast<ptrdiff_t>(k) * step, step);
@@ -611,58 +610,22 @@ void group_sums(const T* src, int src_step, int rows, int width, int height, int
     }
 }
 
-template <class T, bool kSum, bool kSq>
-void advance_floats(T* view, const T* src_col, int src_step, int rows, int width, int height, double* row_sum,
-                    double* row_sq, double* patch_sum, double* patch_sq) {
-    scalar::advance<T, kSum, kSq>(view, src_col, src_step, rows, width, height, row_sum, row_sq, patch_sum, patch_sq);
-}
-
 // ---- Columns ----
 
-template <class T, bool kSq>
-struct Blocks {
-    using type = ByteBlocks<T, kSq>;
-};
-template <bool kSq>
-struct Blocks<float, kSq> {
-    using type = FloatBlocks<kSq>;
-};
-
-template <class T, int M>
-void column_scores(const T* runs, int width, int height, int count, const T* tpl,
-                   const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
-                   const ScoreConstants& c, float* out, int out_step) {
-    // Byte sums are exact integers, so the squared differences of a
-    // normalised match follow from the products and the sums of squares
-    // already at hand: D = S2 - 2 C + T2, every term exact in double.
-    constexpr bool kFromProducts = sizeof(T) == 1 && M == kSqDiffNormed;
-    const typename Blocks<T, method_sqdiff(M) && !kFromProducts>::type blocks(width, height, tpl);
-    alignas(32) double totals[kBatch];
-    for (int y = 0; y < count; y += kBatch) {
-        const int m = count - y < kBatch ? count - y : kBatch;
-        blocks.sums(runs + static_cast<ptrdiff_t>(y) * width, m, totals);
-        if (kFromProducts) {
-            int k = 0;
-            for (; k + 4 <= m; k += 4) {
-                const __m256d twice = _mm256_add_pd(_mm256_load_pd(totals + k), _mm256_load_pd(totals + k));
-                _mm256_store_pd(totals + k, _mm256_add_pd(_mm256_sub_pd(load4(sum_sq + y + k), twice),
-                                                          _mm256_set1_pd(c.t2)));
-            }
-            for (; k < m; ++k) totals[k] = (scalar::to_double(sum_sq[y + k]) - 2.0 * totals[k]) + c.t2;
-        }
-        scores<M>(totals, y, m, sum, sum_sq, c, out + static_cast<ptrdiff_t>(y) * out_step, out_step);
-    }
-}
+using Columns = SimdColumns<ByteBlocks, FloatBlocks, Batch>;
 
 }  // namespace
 
 const MatchKernels match_kernels_avx2 = {
-    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t),
-     ORUCV_MATCH_ADVANCES(advance_bytes, uint8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, uint8_t)},
-    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t),
-     ORUCV_MATCH_ADVANCES(advance_bytes, int8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, int8_t)},
-    {sum_floats, sqdiff_floats, corr_floats, ORUCV_MATCH_COLUMNS(column_scores, float),
-     ORUCV_MATCH_ADVANCES(advance_floats, float), {nullptr, nullptr, nullptr, nullptr}},
+    {sum_bytes<uint8_t>, run_bytes<uint8_t, true>, run_bytes<uint8_t, false>,
+     ORUCV_MATCH_COLUMNS(Columns::column_scores, uint8_t), ORUCV_MATCH_ADVANCES(advance_bytes, uint8_t),
+     ORUCV_MATCH_GROUP_SUMS(group_sums, uint8_t)},
+    {sum_bytes<int8_t>, run_bytes<int8_t, true>, run_bytes<int8_t, false>,
+     ORUCV_MATCH_COLUMNS(Columns::column_scores, int8_t), ORUCV_MATCH_ADVANCES(advance_bytes, int8_t),
+     ORUCV_MATCH_GROUP_SUMS(group_sums, int8_t)},
+    {sum_floats, run_floats<scalar::SqDiffTerm>, run_floats<scalar::CorrTerm>,
+     ORUCV_MATCH_COLUMNS(Columns::column_scores, float), ORUCV_MATCH_ADVANCES(scalar::advance, float),
+     {nullptr, nullptr, nullptr, nullptr}},
 };
 
 }  // namespace a6

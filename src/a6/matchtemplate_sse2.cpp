@@ -19,9 +19,6 @@ namespace orucv {
 namespace a6 {
 namespace {
 
-inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
-inline __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
-
 // ---- Bytes ----
 
 template <class T>
@@ -94,30 +91,11 @@ int64_t run_bytes(const T* a, const T* b, int n) {
     return total64(acc64) + tail;
 }
 
-template <class T>
-int64_t sqdiff_bytes(const T* a, const T* b, int n) { return run_bytes<T, true>(a, b, n); }
-template <class T>
-int64_t corr_bytes(const T* a, const T* b, int n) { return run_bytes<T, false>(a, b, n); }
-
 // Four blocks' 32-bit lanes to their four totals, block k in element k.
 inline __m128i totals4(__m128i a0, __m128i a1, __m128i a2, __m128i a3) {
     const __m128i t01 = _mm_add_epi32(_mm_unpacklo_epi32(a0, a1), _mm_unpackhi_epi32(a0, a1));
     const __m128i t23 = _mm_add_epi32(_mm_unpacklo_epi32(a2, a3), _mm_unpackhi_epi32(a2, a3));
     return _mm_add_epi32(_mm_unpacklo_epi64(t01, t23), _mm_unpackhi_epi64(t01, t23));
-}
-
-// The last piece of a run of n >= 8 bytes, as 16 bytes of which only
-// those set in tail_mask count: the 16 bytes ending at the run's end when
-// n >= 16 (after the whole 16-byte pieces), else the first 8 bytes and the
-// 8 ending at the run's end.
-template <class T>
-inline __m128i tail_piece(const T* p, int n) {
-    if (n >= 16) return load(p + n - 16);
-    return _mm_unpacklo_epi64(load8(p), load8(p + n - 8));
-}
-inline __m128i tail_mask(int n) {
-    if (n >= 16) return load(kTailMask16 + (n & 15));
-    return _mm_or_si128(load(kTailMask16 + n - 8), _mm_set_epi32(0, 0, -1, -1));
 }
 
 // Block sums of a column of byte runs, four blocks at a time in 32-bit
@@ -247,8 +225,6 @@ double run_floats(const float* a, const float* b, int n) {
 }
 
 double sum_floats(const float* p, int n) { return run_floats<scalar::SumTerm>(p, p, n); }
-double sqdiff_floats(const float* a, const float* b, int n) { return run_floats<scalar::SqDiffTerm>(a, b, n); }
-double corr_floats(const float* a, const float* b, int n) { return run_floats<scalar::CorrTerm>(a, b, n); }
 
 // Adds strip row s, converted once, to blocks g_lo..g_hi of a group, as
 // their template rows r - g (t0 is template row r).
@@ -340,11 +316,32 @@ inline __m128d rsqrt2(__m128d v) {
     return y;
 }
 
-// Scores of blocks y0 .. y0 + count - 1 from their sums; block y0 + k goes
-// to out[k * step].
+// The batch steps of the column kernels (see SimdColumns).
+struct Batch {
+    static constexpr int kAlign = 16;
+
+    // Squared differences S2 - 2 C + T2 of the first k of m product totals;
+    // returns k.
+    static int from_products(double* totals, int m, const int64_t* sum_sq, double t2) {
+        int k = 0;
+        for (; k + 2 <= m; k += 2) {
+            const __m128d twice = _mm_add_pd(_mm_load_pd(totals + k), _mm_load_pd(totals + k));
+            _mm_store_pd(totals + k, _mm_add_pd(_mm_sub_pd(load2(sum_sq + k), twice), _mm_set1_pd(t2)));
+        }
+        return k;
+    }
+
+    // Scores of blocks y0 .. y0 + count - 1 from their sums; block y0 + k goes
+    // to out[k * step].
+    template <int M, class Acc>
+    static void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq,
+                       const ScoreConstants& c, float* out, int step);
+};
+
+// Defined outside the class so that it is not implicitly inline.
 template <int M, class Acc>
-void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq, const ScoreConstants& c,
-            float* out, int step) {
+void Batch::scores(const double* totals, int y0, int count, const Acc* sum, const Acc* sum_sq,
+                   const ScoreConstants& c, float* out, int step) {
     int k = 0;
     for (; k + 2 <= count; k += 2) {
         const int y = y0 + k;
@@ -361,7 +358,8 @@ void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* 
             if (M == kCoeff) {
                 r = num;
             } else {
-                const __m128d patch = _mm_sub_pd(load2(sum_sq + y), _mm_mul_pd(_mm_mul_pd(s, s), _mm_set1_pd(c.k)));
+                const __m128d patch =
+                    _mm_sub_pd(load2(sum_sq + y), _mm_mul_pd(_mm_mul_pd(s, s), _mm_set1_pd(c.k)));
                 r = _mm_mul_pd(_mm_mul_pd(num, _mm_set1_pd(c.r_tpl)), rsqrt2(patch));
             }
         }
@@ -374,69 +372,25 @@ void scores(const double* totals, int y0, int count, const Acc* sum, const Acc* 
         out[static_cast<ptrdiff_t>(k) * step] = scalar::score_at<M>(totals[k], sum, sum_sq, y0 + k, c);
 }
 
-// ---- Strip advance ----
-
-// The scalar twin: without 64-bit lane inserts, gathering the deltas of
-// strided rows into SSE2 registers costs more than it saves.
-template <class T, bool kSum, bool kSq>
-void advance(T* view, const T* src_col, int src_step, int rows, int width, int height,
-             typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
-             typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq) {
-    scalar::advance<T, kSum, kSq>(view, src_col, src_step, rows, width, height, row_sum, row_sq, patch_sum, patch_sq);
-}
-
-template <class T, bool kSum, bool kSq>
-void group_sums(const T* src, int src_step, int rows, int width, int height, int x0, int ncols, int32_t* row_sum8,
-                int32_t* row_sq8, int64_t* patch_sum, int64_t* patch_sq) {
-    scalar::group_sums<T, kSum, kSq>(src, src_step, rows, width, height, x0, ncols, row_sum8, row_sq8, patch_sum,
-                                     patch_sq);
-}
-
 // ---- Columns ----
 
-template <class T, bool kSq>
-struct Blocks {
-    using type = ByteBlocks<T, kSq>;
-};
-template <bool kSq>
-struct Blocks<float, kSq> {
-    using type = FloatBlocks<kSq>;
-};
-
-template <class T, int M>
-void column_scores(const T* runs, int width, int height, int count, const T* tpl,
-                   const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
-                   const ScoreConstants& c, float* out, int out_step) {
-    // Byte sums are exact integers, so the squared differences of a
-    // normalised match follow from the products and the sums of squares
-    // already at hand: D = S2 - 2 C + T2, every term exact in double.
-    constexpr bool kFromProducts = sizeof(T) == 1 && M == kSqDiffNormed;
-    const typename Blocks<T, method_sqdiff(M) && !kFromProducts>::type blocks(width, height, tpl);
-    alignas(16) double totals[kBatch];
-    for (int y = 0; y < count; y += kBatch) {
-        const int m = count - y < kBatch ? count - y : kBatch;
-        blocks.sums(runs + static_cast<ptrdiff_t>(y) * width, m, totals);
-        if (kFromProducts) {
-            int k = 0;
-            for (; k + 2 <= m; k += 2) {
-                const __m128d twice = _mm_add_pd(_mm_load_pd(totals + k), _mm_load_pd(totals + k));
-                _mm_store_pd(totals + k, _mm_add_pd(_mm_sub_pd(load2(sum_sq + y + k), twice), _mm_set1_pd(c.t2)));
-            }
-            for (; k < m; ++k) totals[k] = (scalar::to_double(sum_sq[y + k]) - 2.0 * totals[k]) + c.t2;
-        }
-        scores<M>(totals, y, m, sum, sum_sq, c, out + static_cast<ptrdiff_t>(y) * out_step, out_step);
-    }
-}
+using Columns = SimdColumns<ByteBlocks, FloatBlocks, Batch>;
 
 }  // namespace
 
+// The strip advance and the grouped sums are the scalar twin's: without
+// 64-bit lane inserts, gathering the deltas of strided rows into SSE2
+// registers costs more than it saves.
 const MatchKernels match_kernels_sse2 = {
-    {sum_bytes<uint8_t>, sqdiff_bytes<uint8_t>, corr_bytes<uint8_t>, ORUCV_MATCH_COLUMNS(column_scores, uint8_t),
-     ORUCV_MATCH_ADVANCES(advance, uint8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, uint8_t)},
-    {sum_bytes<int8_t>, sqdiff_bytes<int8_t>, corr_bytes<int8_t>, ORUCV_MATCH_COLUMNS(column_scores, int8_t),
-     ORUCV_MATCH_ADVANCES(advance, int8_t), ORUCV_MATCH_GROUP_SUMS(group_sums, int8_t)},
-    {sum_floats, sqdiff_floats, corr_floats, ORUCV_MATCH_COLUMNS(column_scores, float),
-     ORUCV_MATCH_ADVANCES(advance, float), {nullptr, nullptr, nullptr, nullptr}},
+    {sum_bytes<uint8_t>, run_bytes<uint8_t, true>, run_bytes<uint8_t, false>,
+     ORUCV_MATCH_COLUMNS(Columns::column_scores, uint8_t), ORUCV_MATCH_ADVANCES(scalar::advance, uint8_t),
+     ORUCV_MATCH_GROUP_SUMS(scalar::group_sums, uint8_t)},
+    {sum_bytes<int8_t>, run_bytes<int8_t, true>, run_bytes<int8_t, false>,
+     ORUCV_MATCH_COLUMNS(Columns::column_scores, int8_t), ORUCV_MATCH_ADVANCES(scalar::advance, int8_t),
+     ORUCV_MATCH_GROUP_SUMS(scalar::group_sums, int8_t)},
+    {sum_floats, run_floats<scalar::SqDiffTerm>, run_floats<scalar::CorrTerm>,
+     ORUCV_MATCH_COLUMNS(Columns::column_scores, float), ORUCV_MATCH_ADVANCES(scalar::advance, float),
+     {nullptr, nullptr, nullptr, nullptr}},
 };
 
 }  // namespace a6
