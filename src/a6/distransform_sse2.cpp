@@ -3,6 +3,7 @@
 #include <emmintrin.h>
 
 #include "a6/distransform.h"
+#include "a6/distransform_simd.h"
 
 namespace orucv {
 namespace a6 {
@@ -17,6 +18,16 @@ inline __m128i min32(__m128i x, __m128i y) {
     return _mm_or_si128(_mm_and_si128(gt, y), _mm_andnot_si128(gt, x));
 }
 inline __m128i add(__m128i x, __m128i y) { return _mm_add_epi32(x, y); }
+
+struct Ops {
+    using V = __m128i;
+    static constexpr int kLanes = 4;
+    static V load(const void* p) { return a6::load(p); }
+    static void store(void* p, V v) { a6::store(p, v); }
+    static V set1(int32_t v) { return _mm_set1_epi32(v); }
+    static V min32(V x, V y) { return a6::min32(x, y); }
+    static V add(V x, V y) { return a6::add(x, y); }
+};
 
 void init_row(const uint8_t* src, dist_t* d, int n) {
     const __m128i zero = _mm_setzero_si128(), far = _mm_set1_epi32(kFarDistance);
@@ -50,43 +61,6 @@ void to_float_row(dist_t* d, int n) {
     }
     for (; i + 4 <= n; i += 4) _mm_storeu_ps(f + i, _mm_mul_ps(_mm_cvtepi32_ps(load(d + i)), unit));
     scalar::to_float_row(d + i, n - i);
-}
-
-void near3_row(dist_t* d, const dist_t* near, int n, int32_t a, int32_t b) {
-    scalar::near3_borders(d, near, n, a, b);
-    const __m128i va = _mm_set1_epi32(a), vb = _mm_set1_epi32(b);
-    int x = 1;
-    for (; x + 4 <= n - 1; x += 4) {
-        __m128i m = min32(load(d + x), add(load(near + x), va));
-        m = min32(m, add(load(near + x - 1), vb));
-        store(d + x, min32(m, add(load(near + x + 1), vb)));
-    }
-    scalar::near3_span(d, near, x, n - 1, a, b);
-}
-
-template <bool kTwoRows>
-void near5_interior(dist_t* d, const dist_t* near1, const dist_t* near2, int n, int32_t a, int32_t b, int32_t c) {
-    const __m128i va = _mm_set1_epi32(a), vb = _mm_set1_epi32(b), vc = _mm_set1_epi32(c);
-    int x = 2;
-    for (; x + 4 <= n - 2; x += 4) {
-        __m128i m = min32(load(d + x), add(load(near1 + x), va));
-        m = min32(m, add(load(near1 + x - 1), vb));
-        m = min32(m, add(load(near1 + x + 1), vb));
-        m = min32(m, add(load(near1 + x - 2), vc));
-        m = min32(m, add(load(near1 + x + 2), vc));
-        if (kTwoRows) {
-            m = min32(m, add(load(near2 + x - 1), vc));
-            m = min32(m, add(load(near2 + x + 1), vc));
-        }
-        store(d + x, m);
-    }
-    scalar::near5_span<kTwoRows>(d, near1, near2, x, n - 2, a, b, c);
-}
-
-void near5_row(dist_t* d, const dist_t* near1, const dist_t* near2, int n, int32_t a, int32_t b, int32_t c) {
-    scalar::near5_borders(d, near1, near2, n, a, b, c);
-    if (near2) near5_interior<true>(d, near1, near2, n, a, b, c);
-    else near5_interior<false>(d, near1, near2, n, a, b, c);
 }
 
 // The scans take four pixels at once: within the block a prefix minimum in
@@ -132,7 +106,8 @@ void scan_left(dist_t* d, int n, int32_t a) {
 
 }  // namespace
 
-const DistanceKernels distance_kernels_sse2 = {init_row, to_float_row, near3_row, near5_row, scan_right, scan_left};
+const DistanceKernels distance_kernels_sse2 = {init_row,   to_float_row, near3_row_simd<Ops>, near5_row_simd<Ops>,
+                                               scan_right, scan_left};
 
 }  // namespace a6
 }  // namespace orucv
