@@ -17,6 +17,7 @@
 #include <emmintrin.h>
 
 #include <cstring>
+#include <type_traits>
 
 #include "a6/pyr.h"
 
@@ -24,6 +25,30 @@ namespace orucv {
 namespace a6 {
 namespace {
 namespace pyr_sse {
+
+// Calls run(std::integral_constant<int, form>()) so that the vertical form
+// of a PyrDown row is a compile-time constant inside run.
+template <class Run>
+inline void with_form(int form, Run run) {
+    switch (form) {
+    case kDownFirst: return run(std::integral_constant<int, kDownFirst>());
+    case kDownLast: return run(std::integral_constant<int, kDownLast>());
+    case kDownPair: return run(std::integral_constant<int, kDownPair>());
+    default: return run(std::integral_constant<int, kDownInner>());
+    }
+}
+
+// Calls run(std::integral_constant<int, band>()) so that the band of a
+// PyrUp row is a compile-time constant inside run.
+template <class Run>
+inline void with_band(int band, Run run) {
+    switch (band) {
+    case kUpFirst | kUpLast: return run(std::integral_constant<int, kUpFirst | kUpLast>());
+    case kUpFirst: return run(std::integral_constant<int, kUpFirst>());
+    case kUpLast: return run(std::integral_constant<int, kUpLast>());
+    default: return run(std::integral_constant<int, 0>());
+    }
+}
 
 inline __m128i load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
 inline void store(void* p, __m128i v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }

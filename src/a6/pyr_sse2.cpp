@@ -60,12 +60,7 @@ void down_v32_run(const float* const* r, int n, float* d, bool stream) {
     down_v32_range(r, kForm, down_v32_blocks<kForm>(r, n, d, i), n, d);
 }
 void down_v32(const float* const* r, int form, int n, float* d, bool stream) {
-    switch (form) {
-    case kDownFirst: return down_v32_run<kDownFirst>(r, n, d, stream);
-    case kDownLast: return down_v32_run<kDownLast>(r, n, d, stream);
-    case kDownPair: return down_v32_run<kDownPair>(r, n, d, stream);
-    default: return down_v32_run<kDownInner>(r, n, d, stream);
-    }
+    with_form(form, [&](auto kForm) { down_v32_run<decltype(kForm)::value>(r, n, d, stream); });
 }
 
 template <int CH, bool kSigned>
@@ -118,12 +113,7 @@ void up_v32_run(const float* a, const float* c, const float* b, int n, float* e,
     up_v32_range(a, c, b, kBand, up_v32_blocks<kBand>(a, c, b, n, e, o, i), n, e, o);
 }
 void up_v32(const float* a, const float* c, const float* b, int band, int n, float* e, float* o, bool stream) {
-    switch (band) {
-    case kUpFirst | kUpLast: return up_v32_run<kUpFirst | kUpLast>(a, c, b, n, e, o, stream);
-    case kUpFirst: return up_v32_run<kUpFirst>(a, c, b, n, e, o, stream);
-    case kUpLast: return up_v32_run<kUpLast>(a, c, b, n, e, o, stream);
-    default: return up_v32_run<0>(a, c, b, n, e, o, stream);
-    }
+    with_band(band, [&](auto kBand) { up_v32_run<decltype(kBand)::value>(a, c, b, n, e, o, stream); });
 }
 
 }  // namespace
