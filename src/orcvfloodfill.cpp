@@ -16,13 +16,6 @@ namespace {
 inline bool holds_fill(Oru8u seed, Oru8u fill) { return seed == fill; }
 inline bool holds_fill(Oru32f seed, Oru32f fill) { return seed == fill || fill != fill; }
 
-template <class T>
-void write_region(OruConnectedComp* region, const a6::FillResult& r, double value) {
-    region->area = static_cast<double>(r.area);
-    region->value = value;
-    region->rect = OruRect{r.min_x, r.min_y, r.max_x - r.min_x + 1, r.max_y - r.min_y + 1};
-}
-
 template <class T, class V>
 OruStatus flood_fill(T* pImage, int imageStep, OruSize roi, OruPoint seed, V newVal, OruConnectedComp* pRegion,
                      Oru8u* pBuffer, int eight) {
@@ -46,7 +39,7 @@ OruStatus flood_fill(T* pImage, int imageStep, OruSize roi, OruPoint seed, V new
     const a6::FloodFillKernels& k = a6::floodfill_kernels();
     if constexpr (kFloat) k.fill_32f[eight](job);
     else k.fill_8u[eight](job);
-    write_region<T>(pRegion, job.result, static_cast<double>(newVal));
+    *pRegion = job.result.record(static_cast<double>(newVal));
     return oruStsOk;
 }
 

@@ -37,10 +37,7 @@ OruStatus grad_fill(T* pImage, int imageStep, OruSize roi, OruPoint seed, V newV
     const a6::FloodFillKernels& k = a6::floodfill_kernels();
     if constexpr (kFloat) k.grad_32f[eight](job);
     else k.grad_8u[eight](job);
-    const a6::FillResult& r = job.result;
-    pRegion->area = static_cast<double>(r.area);
-    pRegion->value = static_cast<double>(newVal);
-    pRegion->rect = OruRect{r.min_x, r.min_y, r.max_x - r.min_x + 1, r.max_y - r.min_y + 1};
+    *pRegion = job.result.record(static_cast<double>(newVal));
     return oruStsOk;
 }
 

@@ -12,6 +12,7 @@
 #include <type_traits>
 
 #include "orcvfloodfill.h"
+#include "orucv.h"
 
 namespace orucv {
 namespace a6 {
@@ -22,6 +23,12 @@ struct FillResult {
     int64_t area;
     int min_x, min_y, max_x, max_y;
     int collections;
+
+    // The public record of the filled component.
+    OruConnectedComp record(double value) const {
+        return OruConnectedComp{static_cast<double>(area), value,
+                                OruRect{min_x, min_y, max_x - min_x + 1, max_y - min_y + 1}};
+    }
 };
 
 // One fill call, arguments trusted: seed inside the image, buffer of
