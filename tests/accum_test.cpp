@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <type_traits>
+#include <vector>
 
 #include "orucv.h"
 #include "support/image.h"
@@ -94,6 +95,11 @@ uint32_t bits(float f) {
     uint32_t b;
     std::memcpy(&b, &f, 4);
     return b;
+}
+float from_bits(uint32_t b) {
+    float f;
+    std::memcpy(&f, &b, 4);
+    return f;
 }
 
 const float kInf = std::numeric_limits<float>::infinity();
@@ -209,6 +215,26 @@ TEST(AccumValues, DocumentedCases) {
     // alpha is used unchanged: acc 1, source 3, alpha 2 gives 5.
     EXPECT_EQ(oruiAddWeighted_32f_C1IR(inf_src + 1, 4, acc + 1, 4, {1, 1}, 2.0f), oruStsOk);
     EXPECT_EQ(acc[1], 5.0f);
+}
+
+// Of two NaN operands the accumulator's comes out, quieted, on every path and
+// in vector bodies and tails alike: acc + s * s and acc + s1 * s2.
+TEST(AccumValues, AccumulatorNaNWinsOverSourceNaN) {
+    if (const char* name = emulator())
+        GTEST_SKIP() << "running under " << name << ", which picks between two NaNs by significand";
+    const float acc_nan = from_bits(0x7F800123u), src_nan = from_bits(0xFFC45678u);
+    for (int width : {1, 7, 16, 37})
+        expect_same_on_every_path([&] {
+            std::vector<Oru32f> acc(2 * width, acc_nan), src(width, src_nan);
+            EXPECT_EQ(oruiAddSquare_32f_C1IR(src.data(), 4 * width, acc.data(), 4 * width, {width, 1}), oruStsOk);
+            EXPECT_EQ(oruiAddProduct_32f_C1IR(src.data(), 4 * width, src.data(), 4 * width, acc.data() + width,
+                                              4 * width, {width, 1}),
+                      oruStsOk);
+            std::vector<uint32_t> out;
+            for (float a : acc) out.push_back(bits(a));
+            for (uint32_t b : out) EXPECT_EQ(b, 0x7FC00123u) << "width " << width;
+            return out;
+        });
 }
 
 // Every function on every path: widths around the vector sizes, tight rows

@@ -1,5 +1,7 @@
 #include "support/simd.h"
 
+#include <cstdlib>
+
 namespace orutest {
 
 std::vector<orucv::SimdLevel> available_levels() {
@@ -7,6 +9,11 @@ std::vector<orucv::SimdLevel> available_levels() {
     const int best = static_cast<int>(orucv::detected_simd_level());
     for (int l = 1; l <= best; ++l) levels.push_back(static_cast<orucv::SimdLevel>(l));
     return levels;
+}
+
+const char* emulator() {
+    const char* name = std::getenv("ORUCV_TEST_EMULATED");
+    return name && *name ? name : nullptr;
 }
 
 const char* level_name(orucv::SimdLevel level) {

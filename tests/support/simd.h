@@ -24,6 +24,12 @@ private:
     orucv::SimdLevel previous_;
 };
 
+// The emulator the tests run under (ORUCV_TEST_EMULATED, set by CI where
+// the kernel cannot run 32-bit programs), or null on a real processor.
+// qemu 7.2 returns the NaN with the larger significand when both operands of
+// an SSE operation are NaNs, where the processor returns the first operand.
+const char* emulator();
+
 // Calls run() under each level; every result must equal the scalar one.
 // run returns something comparable with ==, e.g. the output bytes.
 template <class Run>
