@@ -1,5 +1,5 @@
 // Benchmark registration shared by the families: each primitive runs at
-// 640x480 and 1920x1080 on the best SIMD path and on the scalar twin, and
+// 640x480 and 1920x1080 on every SIMD level and on the scalar twin, and
 // streaming primitives sit beside a memcpy moving the same bytes, the
 // physical limit of the machine in that run.
 #pragma once
@@ -26,7 +26,8 @@ inline const std::vector<FrameSize>& frame_sizes() {
 // Builds the buffers for one frame size and returns the call to measure.
 using Maker = std::function<std::function<void()>(int width, int height)>;
 
-// Registers name/WxH/simd and name/WxH/scalar. bytes_per_pixel is what the
+// Registers name/WxH/<level> for every SIMD level this machine and build
+// have (avx2, sse2) and for the scalar twin. bytes_per_pixel is what the
 // primitive reads plus writes per pixel; when positive, a memcpy of the same
 // traffic is registered beside it (once per distinct traffic).
 bool add(const std::string& name, double bytes_per_pixel, Maker make);
@@ -42,4 +43,4 @@ std::vector<uint8_t> random_bytes(size_t n, uint32_t seed);
 #define ORUBENCH_CAT2(a, b) a##b
 #define ORUBENCH_CAT(a, b) ORUBENCH_CAT2(a, b)
 #define ORUBENCH(name, bytes_per_pixel, ...) \
-    static const bool ORUBENCH_CAT(orubench_, __LINE__) = ::orubench::add(name, bytes_per_pixel, __VA_ARGS__)
+    static const bool ORUBENCH_CAT(orubench_, __COUNTER__) = ::orubench::add(name, bytes_per_pixel, __VA_ARGS__)

@@ -16,6 +16,11 @@ endif()
 if(ORUCV_PORTABLE)
   add_compile_definitions(ORUCV_PORTABLE=1)
 endif()
+if(NOT ORUCV_RUNTIME_DISPATCH)
+  # For builds that target one CPU: the level is the compiler's target
+  # (AVX2 under -mavx2 or -march=..., else SSE2), read without cpuid.
+  add_compile_definitions(ORUCV_NO_RUNTIME_DISPATCH=1)
+endif()
 if(ORUCV_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)

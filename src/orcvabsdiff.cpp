@@ -1,95 +1,70 @@
 // Absolute difference of two images or of an image and a constant, and the
-// motion-history update.
+// motion-history update: one wrapper per line of absdiff_list.h, generated
+// by its shape. Each checks in its family's order and hands over.
 #include "a6/absdiff.h"
+#include "absdiff_list.h"
 #include "core/checks.h"
-#include "core/image.h"
 #include "orucv.h"
+
+#include <type_traits>
 
 using namespace orucv;
 
 namespace {
 
-// Applies a row kernel to every row; contiguous rows are recast into one.
-template <class Src, class Dst, class Row>
-void unary_rows(const Src* src, int srcStep, Dst* dst, int dstStep, OruSize roi, Row row) {
-    recast_contiguous_rows(roi, {{srcStep, sizeof(Src)}, {dstStep, sizeof(Dst)}});
-    for (int y = 0; y < roi.height; ++y) row(row_at(src, srcStep, y), row_at(dst, dstStep, y), roi.width);
-}
+template <class T>
+constexpr int kFloatBytes = sizeof(T) == 4 ? 4 : 0;
 
-template <class T, class Row>
-void binary_rows(const T* a, int aStep, const T* b, int bStep, T* dst, int dstStep, OruSize roi, Row row) {
-    recast_contiguous_rows(roi, {{aStep, sizeof(T)}, {bStep, sizeof(T)}, {dstStep, sizeof(T)}});
-    for (int y = 0; y < roi.height; ++y)
-        row(row_at(a, aStep, y), row_at(b, bStep, y), row_at(dst, dstStep, y), roi.width);
-}
+// The constant operand: an int for 8-bit images, clamped before use.
+template <class T>
+using ConstantOf = typename std::conditional<sizeof(T) == 1, int, T>::type;
 
-OruStatus ownAbsDiff_8u_C1R(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step, Oru8u* pDst,
-                            int dstStep, OruSize roi) {
-    binary_rows(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep, roi, a6::absdiff_kernels().diff_8u);
+// Order A, then the engine; a constant operand of an 8-bit function is
+// clamped to 0..255 first.
+template <class T>
+OruStatus abs_diff_images(const T* a, int aStep, const T* b, int bStep, T* dst, int dstStep, OruSize roi) {
+    if (OruStatus s = check_order_a({a, b, dst}, {aStep, bStep, dstStep}, roi, kFloatBytes<T>)) return s;
+    a6::abs_diff(a, aStep, b, bStep, dst, dstStep, roi);
     return oruStsOk;
 }
 
-OruStatus ownAbsDiffC_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep, OruSize roi, Oru8u value) {
-    auto kernel = a6::absdiff_kernels().diff_const_8u;
-    unary_rows(pSrc, srcStep, pDst, dstStep, roi,
-               [&](const Oru8u* s, Oru8u* d, int n) { kernel(s, value, d, n); });
+template <class T, class Value>
+OruStatus abs_diff_constant(const T* a, int aStep, T* dst, int dstStep, OruSize roi, Value value) {
+    if (OruStatus s = check_order_a({a, dst}, {aStep, dstStep}, roi, kFloatBytes<T>)) return s;
+    if constexpr (sizeof(T) == 1)
+        a6::abs_diff_const(a, aStep, static_cast<T>(value < 0 ? 0 : value > 255 ? 255 : value), dst, dstStep, roi);
+    else
+        a6::abs_diff_const(a, aStep, value, dst, dstStep, roi);
     return oruStsOk;
 }
 
-OruStatus ownAbsDiff_32f_C1R(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step, Oru32f* pDst,
-                             int dstStep, OruSize roi) {
-    binary_rows(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep, roi, a6::absdiff_kernels().diff_32f);
-    return oruStsOk;
-}
-
-OruStatus ownAbsDiffC_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, OruSize roi,
-                              Oru32f value) {
-    auto kernel = a6::absdiff_kernels().diff_const_32f;
-    unary_rows(pSrc, srcStep, pDst, dstStep, roi,
-               [&](const Oru32f* s, Oru32f* d, int n) { kernel(s, value, d, n); });
+// Order B, then the duration, then the engine on a non-empty region.
+OruStatus motion_history(const Oru8u* silhouette, int silhStep, Oru32f* mhi, int mhiStep, OruSize roi,
+                         Oru32f timestamp, Oru32f duration) {
+    if (OruStatus s = check_order_b({silhouette, mhi}, {{silhStep, 1}, {mhiStep, 4}}, roi)) return s;
+    if (!(duration >= 0.0f)) return oruStsOutOfRange;  // negative or NaN
+    if (roi.width == 0 || roi.height == 0) return oruStsOk;
+    a6::update_motion_history(silhouette, silhStep, mhi, mhiStep, roi, timestamp, timestamp - duration);
     return oruStsOk;
 }
 
 }  // namespace
 
-extern "C" OruStatus oruiAbsDiff_8u_C1R(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
-                                        Oru8u* pDst, int dstStep, OruSize roiSize) {
-    if (OruStatus s = check_order_a({pSrc1, pSrc2, pDst}, {src1Step, src2Step, dstStep}, roiSize)) return s;
-    ownAbsDiff_8u_C1R(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep, roiSize);
-    return oruStsOk;
-}
-
-extern "C" OruStatus oruiAbsDiffC_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
-                                         OruSize roiSize, int value) {
-    if (OruStatus s = check_order_a({pSrc, pDst}, {srcStep, dstStep}, roiSize)) return s;
-    const Oru8u clamped = static_cast<Oru8u>(value < 0 ? 0 : value > 255 ? 255 : value);
-    ownAbsDiffC_8u_C1R(pSrc, srcStep, pDst, dstStep, roiSize, clamped);
-    return oruStsOk;
-}
-
-extern "C" OruStatus oruiAbsDiff_32f_C1R(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
-                                         Oru32f* pDst, int dstStep, OruSize roiSize) {
-    if (OruStatus s = check_order_a({pSrc1, pSrc2, pDst}, {src1Step, src2Step, dstStep}, roiSize, sizeof(Oru32f)))
-        return s;
-    ownAbsDiff_32f_C1R(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep, roiSize);
-    return oruStsOk;
-}
-
-extern "C" OruStatus oruiAbsDiffC_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
-                                          OruSize roiSize, Oru32f value) {
-    if (OruStatus s = check_order_a({pSrc, pDst}, {srcStep, dstStep}, roiSize, sizeof(Oru32f))) return s;
-    ownAbsDiffC_32f_C1R(pSrc, srcStep, pDst, dstStep, roiSize, value);
-    return oruStsOk;
-}
-
-extern "C" OruStatus oruiUpdateMotionHistory_8u32f_C1IR(const Oru8u* pSilhouette, int silhStep, Oru32f* pMHI,
-                                                        int mhiStep, OruSize roiSize, Oru32f timestamp,
-                                                        Oru32f mhiDuration) {
-    if (OruStatus s = check_order_b({pSilhouette, pMHI}, {{silhStep, 1}, {mhiStep, 4}}, roiSize)) return s;
-    if (!(mhiDuration >= 0.0f)) return oruStsOutOfRange;  // negative or NaN
-    recast_contiguous_rows(roiSize, {{silhStep, 1}, {mhiStep, 4}});
-    if (roiSize.width == 0 || roiSize.height == 0) return oruStsOk;
-    const Oru32f threshold = timestamp - mhiDuration;
-    return a6::a6_orcvUpdateMotionHistory_8u32f_C1IR(pSilhouette, silhStep, pMHI, mhiStep, roiSize.width,
-                                                     roiSize.height, timestamp, threshold);
-}
+// The argument lists, by shape.
+#define ORUCV_ABSDIFF_Images(name, T)                                                                           \
+    extern "C" OruStatus name(const T* pSrc1, int src1Step, const T* pSrc2, int src2Step, T* pDst, int dstStep, \
+                              OruSize roiSize) {                                                                \
+        return abs_diff_images(pSrc1, src1Step, pSrc2, src2Step, pDst, dstStep, roiSize);                       \
+    }
+#define ORUCV_ABSDIFF_Constant(name, T)                                                                            \
+    extern "C" OruStatus name(const T* pSrc, int srcStep, T* pDst, int dstStep, OruSize roiSize,                   \
+                              ConstantOf<T> value) {                                          \
+        return abs_diff_constant(pSrc, srcStep, pDst, dstStep, roiSize, value);                                    \
+    }
+#define ORUCV_ABSDIFF_Motion(name, T)                                                                           \
+    extern "C" OruStatus name(const T* pSilhouette, int silhStep, Oru32f* pMHI, int mhiStep, OruSize roiSize,   \
+                              Oru32f timestamp, Oru32f mhiDuration) {                                           \
+        return motion_history(pSilhouette, silhStep, pMHI, mhiStep, roiSize, timestamp, mhiDuration);           \
+    }
+#define ORUCV_ABSDIFF_WRAPPER(name, shape, T) ORUCV_ABSDIFF_##shape(name, T)
+ORUCV_ABSDIFF_FUNCTIONS(ORUCV_ABSDIFF_WRAPPER)

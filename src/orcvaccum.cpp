@@ -3,7 +3,7 @@
 // line of the kernel list in a6/accum.h, expanded below by its shape.
 #include "a6/accum.h"
 #include "core/checks.h"
-#include "core/image.h"
+#include "core/rows.h"
 #include "orucv.h"
 
 using namespace orucv;

@@ -2,7 +2,7 @@
 // pixels equal to the seed's value take the new value.
 #include "a6/floodfill.h"
 #include "core/checks.h"
-#include "core/image.h"
+#include "core/rows.h"
 #include "orcvfloodfill.h"
 #include "orucv.h"
 

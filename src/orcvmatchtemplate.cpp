@@ -16,7 +16,7 @@
 
 #include "a6/matchtemplate.h"
 #include "core/checks.h"
-#include "core/image.h"
+#include "core/rows.h"
 #include "orucv.h"
 
 using namespace orucv;

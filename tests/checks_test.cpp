@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "core/checks.h"
-#include "core/image.h"
+#include "core/rows.h"
 
 using namespace orucv;
 

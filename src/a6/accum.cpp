@@ -1,7 +1,7 @@
 #include "a6/accum.h"
 
 #include "core/cpu.h"
-#include "core/image.h"
+#include "core/rows.h"
 
 namespace orucv {
 namespace a6 {

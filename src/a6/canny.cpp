@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "core/cpu.h"
-#include "core/image.h"
+#include "core/rows.h"
 
 namespace orucv {
 namespace a6 {

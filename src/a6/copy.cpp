@@ -2,7 +2,7 @@
 #include "a6/copy.h"
 
 #include "core/cpu.h"
-#include "core/image.h"
+#include "core/rows.h"
 #include "orucv.h"
 
 namespace orucv {

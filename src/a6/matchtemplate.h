@@ -44,9 +44,11 @@ struct MatchAcc<float> {
 
 enum MatchMethod { kSqDiff, kSqDiffNormed, kCorr, kCorrNormed, kCoeff, kCoeffNormed, kMatchMethods };
 
+namespace {  // internal linkage: instruction-set files include this header
 constexpr bool method_coeff(int m) { return m == kCoeff || m == kCoeffNormed; }
 constexpr bool method_normed(int m) { return m == kSqDiffNormed || m == kCorrNormed || m == kCoeffNormed; }
 constexpr bool method_sqdiff(int m) { return m == kSqDiff || m == kSqDiffNormed; }
+}  // namespace
 
 // Per-call constants of the score formulas.
 struct ScoreConstants {
@@ -140,6 +142,7 @@ template <>
 inline const BlockKernels<float>& block_kernels<float>(const MatchKernels& k) { return k.f32; }
 
 namespace scalar {
+namespace {  // internal linkage: instruction-set files include this header
 
 constexpr double kDoubleEpsilon = 2.220446049250313e-16;  // 2^-52
 constexpr double kFloatEpsilon = 1.1920928955078125e-07;  // 2^-23
@@ -357,6 +360,7 @@ static inline void column_scores(const T* runs, int width, int height, int count
     }
 }
 
+}  // namespace
 }  // namespace scalar
 }  // namespace a6
 }  // namespace orucv

@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "core/image.h"
+#include "core/rows.h"
 #include "orucv.h"
 
 // The C runtime's report of a failed assertion; declared here because

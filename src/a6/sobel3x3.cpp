@@ -3,7 +3,7 @@
 #include <cfloat>
 
 #include "core/cpu.h"
-#include "core/image.h"
+#include "core/rows.h"
 
 namespace orucv {
 namespace a6 {

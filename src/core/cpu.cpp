@@ -7,7 +7,16 @@
 namespace orucv {
 namespace {
 
-#if ORUCV_X86_SIMD
+#if ORUCV_X86_SIMD && defined(ORUCV_NO_RUNTIME_DISPATCH)
+// The build targets one CPU: its level is the compiler's target.
+SimdLevel probe() {
+#if defined(__AVX2__)
+    return SimdLevel::Avx2;
+#else
+    return SimdLevel::Sse2;
+#endif
+}
+#elif ORUCV_X86_SIMD
 unsigned long long read_xcr0() {
     unsigned eax, edx;
     __asm__ volatile("xgetbv" : "=a"(eax), "=d"(edx) : "c"(0));

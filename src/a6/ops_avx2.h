@@ -1,0 +1,182 @@
+// The AVX2 operations that family loops are written over: the names and
+// conventions of ops_sse2.h (read there) for 32-byte vectors. Lane order is
+// memory order here too: the widening operations cross the 128-bit halves
+// where the instructions do not.
+//
+// Included only by AVX2 files (compiled with -mavx2 -mno-fma): everything
+// has internal linkage.
+#pragma once
+
+#include <immintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+#include "core/bytes.h"
+#include "core/floats.h"
+
+namespace orucv {
+namespace a6 {
+namespace {
+
+struct Avx2 {
+    static constexpr int kBytes = 32;
+    static constexpr int kFloats = 8;
+    using I = __m256i;
+    using F = __m256;
+
+    // ---- Loads and stores
+    static I load(const void* p) { return _mm256_loadu_si256(static_cast<const __m256i*>(p)); }
+    static void store(void* p, I v) { _mm256_storeu_si256(static_cast<__m256i*>(p), v); }
+    static F loadf(const float* p) { return _mm256_loadu_ps(p); }
+    static void storef(float* p, F v) { _mm256_storeu_ps(p, v); }
+    static I load_half(const void* p) {
+        return _mm256_zextsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(p)));
+    }
+    static void store_half(void* p, I v) { _mm_storeu_si128(static_cast<__m128i*>(p), _mm256_castsi256_si128(v)); }
+    static I load_partial(const void* p, int n) {
+        if (n == kBytes) return load(p);
+        alignas(32) uint8_t tmp[kBytes] = {};
+        copy_bytes(tmp, p, static_cast<size_t>(n));
+        return _mm256_load_si256(reinterpret_cast<const __m256i*>(tmp));
+    }
+    static void store_partial(void* p, I v, int n) {
+        if (n == kBytes) return store(p, v);
+        alignas(32) uint8_t tmp[kBytes];
+        _mm256_store_si256(reinterpret_cast<__m256i*>(tmp), v);
+        copy_bytes(p, tmp, static_cast<size_t>(n));
+    }
+    static F loadf_partial(const float* p, int n) { return _mm256_castsi256_ps(load_partial(p, 4 * n)); }
+    static void storef_partial(float* p, F v, int n) { store_partial(p, _mm256_castps_si256(v), 4 * n); }
+
+    // ---- Widening, in element order
+    static I load_widen_u8(const uint8_t* p) {
+        return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    }
+    static I load_widen_s8(const int8_t* p) {
+        return _mm256_cvtepi8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    }
+    static I load_widen4_u8(const uint8_t* p) {
+        return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+    }
+    static __m128i low(I x) { return _mm256_castsi256_si128(x); }
+    static __m128i high(I x) { return _mm256_extracti128_si256(x, 1); }
+    static void widen_u8(I x, I& lo, I& hi) {
+        lo = _mm256_cvtepu8_epi16(low(x));
+        hi = _mm256_cvtepu8_epi16(high(x));
+    }
+    static void widen_s8(I x, I& lo, I& hi) {
+        lo = _mm256_cvtepi8_epi16(low(x));
+        hi = _mm256_cvtepi8_epi16(high(x));
+    }
+    static void widen_u16(I x, I& lo, I& hi) {
+        lo = _mm256_cvtepu16_epi32(low(x));
+        hi = _mm256_cvtepu16_epi32(high(x));
+    }
+    static void widen_s16(I x, I& lo, I& hi) {
+        lo = _mm256_cvtepi16_epi32(low(x));
+        hi = _mm256_cvtepi16_epi32(high(x));
+    }
+    static void widen_u32(I x, I& lo, I& hi) {
+        lo = _mm256_cvtepu32_epi64(low(x));
+        hi = _mm256_cvtepu32_epi64(high(x));
+    }
+    static F to_float(I i32) { return _mm256_cvtepi32_ps(i32); }
+    static I cast(F v) { return _mm256_castps_si256(v); }
+    static F castf(I v) { return _mm256_castsi256_ps(v); }
+
+    // ---- Constants
+    static I zero() { return _mm256_setzero_si256(); }
+    static F zerof() { return _mm256_setzero_ps(); }
+    static I set8(int v) { return _mm256_set1_epi8(static_cast<char>(v)); }
+    static I set16(int v) { return _mm256_set1_epi16(static_cast<short>(v)); }
+    static I set32(int v) { return _mm256_set1_epi32(v); }
+    static F setf(float v) { return _mm256_set1_ps(v); }
+    static I tail_mask8(int n) {
+        const I index = _mm256_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18, 19, 20,
+                                         21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31);
+        return _mm256_cmpgt_epi8(set8(n), index);
+    }
+
+    // ---- Bitwise
+    static I and_(I a, I b) { return _mm256_and_si256(a, b); }
+    static I or_(I a, I b) { return _mm256_or_si256(a, b); }
+    static I xor_(I a, I b) { return _mm256_xor_si256(a, b); }
+    static I andnot(I a, I b) { return _mm256_andnot_si256(a, b); }
+    static I select(I mask, I a, I b) { return _mm256_blendv_epi8(b, a, mask); }
+    static F selectf(F mask, F a, F b) { return _mm256_blendv_ps(b, a, mask); }
+
+    // ---- Integers
+    static I add8(I a, I b) { return _mm256_add_epi8(a, b); }
+    static I sub8(I a, I b) { return _mm256_sub_epi8(a, b); }
+    static I adds_u8(I a, I b) { return _mm256_adds_epu8(a, b); }
+    static I subs_u8(I a, I b) { return _mm256_subs_epu8(a, b); }
+    static I add16(I a, I b) { return _mm256_add_epi16(a, b); }
+    static I sub16(I a, I b) { return _mm256_sub_epi16(a, b); }
+    static I mullo16(I a, I b) { return _mm256_mullo_epi16(a, b); }
+    static I madd16(I a, I b) { return _mm256_madd_epi16(a, b); }
+    static I add32(I a, I b) { return _mm256_add_epi32(a, b); }
+    static I sub32(I a, I b) { return _mm256_sub_epi32(a, b); }
+    static I add64(I a, I b) { return _mm256_add_epi64(a, b); }
+    static I sad_u8(I a, I b) { return _mm256_sad_epu8(a, b); }
+    static I absdiff_u8(I a, I b) { return _mm256_or_si256(_mm256_subs_epu8(a, b), _mm256_subs_epu8(b, a)); }
+    static I min_u8(I a, I b) { return _mm256_min_epu8(a, b); }
+    static I max_u8(I a, I b) { return _mm256_max_epu8(a, b); }
+    static I min_s8(I a, I b) { return _mm256_min_epi8(a, b); }
+    static I max_s8(I a, I b) { return _mm256_max_epi8(a, b); }
+    static I min16(I a, I b) { return _mm256_min_epi16(a, b); }
+    static I max16(I a, I b) { return _mm256_max_epi16(a, b); }
+    static I cmpeq8(I a, I b) { return _mm256_cmpeq_epi8(a, b); }
+    static I cmpgt_s8(I a, I b) { return _mm256_cmpgt_epi8(a, b); }
+    static I cmpeq16(I a, I b) { return _mm256_cmpeq_epi16(a, b); }
+    static I cmpgt16(I a, I b) { return _mm256_cmpgt_epi16(a, b); }
+    static I cmpeq32(I a, I b) { return _mm256_cmpeq_epi32(a, b); }
+    static I cmpgt32(I a, I b) { return _mm256_cmpgt_epi32(a, b); }
+    // Shifts by a constant count.
+    template <int N> static I srai16(I v) { return _mm256_srai_epi16(v, N); }
+    template <int N> static I srai32(I v) { return _mm256_srai_epi32(v, N); }
+    template <int N> static I srli16(I v) { return _mm256_srli_epi16(v, N); }
+    template <int N> static I srli32(I v) { return _mm256_srli_epi32(v, N); }
+    template <int N> static I slli16(I v) { return _mm256_slli_epi16(v, N); }
+    template <int N> static I slli32(I v) { return _mm256_slli_epi32(v, N); }
+    static unsigned movemask8(I v) { return static_cast<unsigned>(_mm256_movemask_epi8(v)); }
+
+    // ---- Floats
+    static F addf(F a, F b) { return _mm256_add_ps(a, b); }
+    static F subf(F a, F b) { return _mm256_sub_ps(a, b); }
+    static F mulf(F a, F b) { return _mm256_mul_ps(a, b); }
+    static F divf(F a, F b) { return _mm256_div_ps(a, b); }
+    static F minf(F a, F b) { return _mm256_min_ps(a, b); }
+    static F maxf(F a, F b) { return _mm256_max_ps(a, b); }
+    static F absf(F v) { return _mm256_and_ps(v, castf(set32(0x7FFFFFFF))); }
+    static F cmpltf(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_LT_OQ); }
+    static F cmpeqf(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_EQ_OQ); }
+    static F cmpunordf(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_UNORD_Q); }
+    static unsigned movemaskf(F v) { return static_cast<unsigned>(_mm256_movemask_ps(v)); }
+    static F quiet_nans(F v) { return selectf(cmpunordf(v, v), castf(set32(static_cast<int>(kQuietNanBits))), v); }
+
+    // ---- Horizontal, halves folded (core/lanes.h)
+    static float reduce_addf(F v) {
+        __m128 h = _mm_add_ps(_mm256_castps256_ps128(v), _mm256_extractf128_ps(v, 1));  // l_j + l_j+4
+        h = _mm_add_ps(h, _mm_movehl_ps(h, h));
+        h = _mm_add_ss(h, _mm_shuffle_ps(h, h, _MM_SHUFFLE(1, 1, 1, 1)));
+        return _mm_cvtss_f32(h);
+    }
+    static int64_t reduce_add64(I v) {
+        __m128i h = _mm_add_epi64(low(v), high(v));
+        h = _mm_add_epi64(h, _mm_unpackhi_epi64(h, h));
+        int64_t out;
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(&out), h);
+        return out;
+    }
+    static int32_t reduce_add32(I v) {
+        __m128i h = _mm_add_epi32(low(v), high(v));
+        h = _mm_add_epi32(h, _mm_unpackhi_epi64(h, h));
+        h = _mm_add_epi32(h, _mm_shuffle_epi32(h, _MM_SHUFFLE(1, 1, 1, 1)));
+        return _mm_cvtsi128_si32(h);
+    }
+};
+
+}  // namespace
+}  // namespace a6
+}  // namespace orucv

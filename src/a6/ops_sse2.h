@@ -1,0 +1,195 @@
+// The SSE2 operations that family loops are written over. ops_avx2.h gives
+// the same names for 32-byte vectors, so a loop written once as a template
+// over `class V` (V = Sse2 or Avx2) serves both; a wider set can follow the
+// same pattern.
+//
+// Conventions shared by every set:
+//  - I holds kBytes bytes of integers, F holds kFloats floats; every lane
+//    order is the order in memory (widening keeps it, also on AVX2 where
+//    the unpack instructions work per 128-bit half).
+//  - Loads and stores are unaligned; the partial forms touch exactly n
+//    bytes (0 <= n <= kBytes), loads zero the rest of the vector.
+//  - minf(a, b) is a < b ? a : b and maxf(a, b) is a > b ? a : b, lane by
+//    lane: the second operand when either is NaN or both are zeros of any
+//    sign. Scalar twins use the same expressions (scalar_minf, scalar_maxf).
+//  - Horizontal sums follow the lane order of core/lanes.h (halves folded).
+//  - quiet_nans(v) stores every NaN lane as the one quiet NaN 0x7FC00000.
+//
+// Included only by instruction-set files: everything has internal linkage.
+#pragma once
+
+#include <emmintrin.h>
+
+#include <cstdint>
+#include <cstring>
+
+#include "core/bytes.h"
+#include "core/floats.h"
+
+namespace orucv {
+namespace a6 {
+namespace {
+
+struct Sse2 {
+    static constexpr int kBytes = 16;
+    static constexpr int kFloats = 4;
+    using I = __m128i;
+    using F = __m128;
+
+    // ---- Loads and stores
+    static I load(const void* p) { return _mm_loadu_si128(static_cast<const __m128i*>(p)); }
+    static void store(void* p, I v) { _mm_storeu_si128(static_cast<__m128i*>(p), v); }
+    static F loadf(const float* p) { return _mm_loadu_ps(p); }
+    static void storef(float* p, F v) { _mm_storeu_ps(p, v); }
+    // kBytes / 2 bytes into the low half, the high half zero.
+    static I load_half(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
+    static void store_half(void* p, I v) { _mm_storel_epi64(static_cast<__m128i*>(p), v); }
+    static I load_partial(const void* p, int n) {
+        if (n == kBytes) return load(p);
+        alignas(16) uint8_t tmp[kBytes] = {};
+        copy_bytes(tmp, p, static_cast<size_t>(n));
+        return _mm_load_si128(reinterpret_cast<const __m128i*>(tmp));
+    }
+    static void store_partial(void* p, I v, int n) {
+        if (n == kBytes) return store(p, v);
+        alignas(16) uint8_t tmp[kBytes];
+        _mm_store_si128(reinterpret_cast<__m128i*>(tmp), v);
+        copy_bytes(p, tmp, static_cast<size_t>(n));
+    }
+    static F loadf_partial(const float* p, int n) { return _mm_castsi128_ps(load_partial(p, 4 * n)); }
+    static void storef_partial(float* p, F v, int n) { store_partial(p, _mm_castps_si128(v), 4 * n); }
+
+    // ---- Widening, in element order
+    // kBytes / 2 samples from memory into 16-bit lanes.
+    static I load_widen_u8(const uint8_t* p) { return _mm_unpacklo_epi8(load_half(p), _mm_setzero_si128()); }
+    static I load_widen_s8(const int8_t* p) {
+        const I x = load_half(p);
+        return _mm_srai_epi16(_mm_unpacklo_epi8(x, x), 8);
+    }
+    // kFloats bytes from memory into 32-bit lanes.
+    static I load_widen4_u8(const uint8_t* p) {
+        int32_t v;
+        std::memcpy(&v, p, 4);
+        const I x = _mm_unpacklo_epi8(_mm_cvtsi32_si128(v), _mm_setzero_si128());
+        return _mm_unpacklo_epi16(x, _mm_setzero_si128());
+    }
+    static void widen_u8(I x, I& lo, I& hi) {
+        lo = _mm_unpacklo_epi8(x, _mm_setzero_si128());
+        hi = _mm_unpackhi_epi8(x, _mm_setzero_si128());
+    }
+    static void widen_s8(I x, I& lo, I& hi) {
+        lo = _mm_srai_epi16(_mm_unpacklo_epi8(x, x), 8);
+        hi = _mm_srai_epi16(_mm_unpackhi_epi8(x, x), 8);
+    }
+    static void widen_u16(I x, I& lo, I& hi) {
+        lo = _mm_unpacklo_epi16(x, _mm_setzero_si128());
+        hi = _mm_unpackhi_epi16(x, _mm_setzero_si128());
+    }
+    static void widen_s16(I x, I& lo, I& hi) {
+        lo = _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16);
+        hi = _mm_srai_epi32(_mm_unpackhi_epi16(x, x), 16);
+    }
+    static void widen_u32(I x, I& lo, I& hi) {
+        lo = _mm_unpacklo_epi32(x, _mm_setzero_si128());
+        hi = _mm_unpackhi_epi32(x, _mm_setzero_si128());
+    }
+    static F to_float(I i32) { return _mm_cvtepi32_ps(i32); }
+    static I cast(F v) { return _mm_castps_si128(v); }
+    static F castf(I v) { return _mm_castsi128_ps(v); }
+
+    // ---- Constants
+    static I zero() { return _mm_setzero_si128(); }
+    static F zerof() { return _mm_setzero_ps(); }
+    static I set8(int v) { return _mm_set1_epi8(static_cast<char>(v)); }
+    static I set16(int v) { return _mm_set1_epi16(static_cast<short>(v)); }
+    static I set32(int v) { return _mm_set1_epi32(v); }
+    static F setf(float v) { return _mm_set1_ps(v); }
+    // Bytes [0, n) all ones, the rest zero (0 <= n <= kBytes).
+    static I tail_mask8(int n) {
+        const I index = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+        return _mm_cmpgt_epi8(set8(n), index);
+    }
+
+    // ---- Bitwise
+    static I and_(I a, I b) { return _mm_and_si128(a, b); }
+    static I or_(I a, I b) { return _mm_or_si128(a, b); }
+    static I xor_(I a, I b) { return _mm_xor_si128(a, b); }
+    static I andnot(I a, I b) { return _mm_andnot_si128(a, b); }  // ~a & b
+    // mask ? a : b, for masks whose elements are all ones or all zeros.
+    static I select(I mask, I a, I b) { return or_(and_(mask, a), andnot(mask, b)); }
+    static F selectf(F mask, F a, F b) { return _mm_or_ps(_mm_and_ps(mask, a), _mm_andnot_ps(mask, b)); }
+
+    // ---- Integers
+    static I add8(I a, I b) { return _mm_add_epi8(a, b); }
+    static I sub8(I a, I b) { return _mm_sub_epi8(a, b); }
+    static I adds_u8(I a, I b) { return _mm_adds_epu8(a, b); }
+    static I subs_u8(I a, I b) { return _mm_subs_epu8(a, b); }
+    static I add16(I a, I b) { return _mm_add_epi16(a, b); }
+    static I sub16(I a, I b) { return _mm_sub_epi16(a, b); }
+    static I mullo16(I a, I b) { return _mm_mullo_epi16(a, b); }
+    static I madd16(I a, I b) { return _mm_madd_epi16(a, b); }  // pairs of 16-bit products into 32 bits
+    static I add32(I a, I b) { return _mm_add_epi32(a, b); }
+    static I sub32(I a, I b) { return _mm_sub_epi32(a, b); }
+    static I add64(I a, I b) { return _mm_add_epi64(a, b); }
+    // Sums of |a - b| of each group of eight bytes, in 64-bit lanes.
+    static I sad_u8(I a, I b) { return _mm_sad_epu8(a, b); }
+    // |a - b| of unsigned bytes without widening.
+    static I absdiff_u8(I a, I b) { return _mm_or_si128(_mm_subs_epu8(a, b), _mm_subs_epu8(b, a)); }
+    static I min_u8(I a, I b) { return _mm_min_epu8(a, b); }
+    static I max_u8(I a, I b) { return _mm_max_epu8(a, b); }
+    static I min_s8(I a, I b) { return xor_(_mm_min_epu8(xor_(a, set8(0x80)), xor_(b, set8(0x80))), set8(0x80)); }
+    static I max_s8(I a, I b) { return xor_(_mm_max_epu8(xor_(a, set8(0x80)), xor_(b, set8(0x80))), set8(0x80)); }
+    static I min16(I a, I b) { return _mm_min_epi16(a, b); }
+    static I max16(I a, I b) { return _mm_max_epi16(a, b); }
+    static I cmpeq8(I a, I b) { return _mm_cmpeq_epi8(a, b); }
+    static I cmpgt_s8(I a, I b) { return _mm_cmpgt_epi8(a, b); }
+    static I cmpeq16(I a, I b) { return _mm_cmpeq_epi16(a, b); }
+    static I cmpgt16(I a, I b) { return _mm_cmpgt_epi16(a, b); }
+    static I cmpeq32(I a, I b) { return _mm_cmpeq_epi32(a, b); }
+    static I cmpgt32(I a, I b) { return _mm_cmpgt_epi32(a, b); }
+    // Shifts by a constant count.
+    template <int N> static I srai16(I v) { return _mm_srai_epi16(v, N); }
+    template <int N> static I srai32(I v) { return _mm_srai_epi32(v, N); }
+    template <int N> static I srli16(I v) { return _mm_srli_epi16(v, N); }
+    template <int N> static I srli32(I v) { return _mm_srli_epi32(v, N); }
+    template <int N> static I slli16(I v) { return _mm_slli_epi16(v, N); }
+    template <int N> static I slli32(I v) { return _mm_slli_epi32(v, N); }
+    // One bit per byte (bit i from byte i).
+    static unsigned movemask8(I v) { return static_cast<unsigned>(_mm_movemask_epi8(v)); }
+
+    // ---- Floats
+    static F addf(F a, F b) { return _mm_add_ps(a, b); }
+    static F subf(F a, F b) { return _mm_sub_ps(a, b); }
+    static F mulf(F a, F b) { return _mm_mul_ps(a, b); }
+    static F divf(F a, F b) { return _mm_div_ps(a, b); }
+    static F minf(F a, F b) { return _mm_min_ps(a, b); }
+    static F maxf(F a, F b) { return _mm_max_ps(a, b); }
+    static F absf(F v) { return _mm_and_ps(v, castf(set32(0x7FFFFFFF))); }
+    static F cmpltf(F a, F b) { return _mm_cmplt_ps(a, b); }
+    static F cmpeqf(F a, F b) { return _mm_cmpeq_ps(a, b); }
+    static F cmpunordf(F a, F b) { return _mm_cmpunord_ps(a, b); }
+    static unsigned movemaskf(F v) { return static_cast<unsigned>(_mm_movemask_ps(v)); }
+    static F quiet_nans(F v) { return selectf(cmpunordf(v, v), castf(set32(static_cast<int>(kQuietNanBits))), v); }
+
+    // ---- Horizontal, halves folded (core/lanes.h)
+    static float reduce_addf(F v) {
+        v = _mm_add_ps(v, _mm_movehl_ps(v, v));                     // l0 + l2, l1 + l3
+        v = _mm_add_ss(v, _mm_shuffle_ps(v, v, _MM_SHUFFLE(1, 1, 1, 1)));
+        return _mm_cvtss_f32(v);
+    }
+    static int64_t reduce_add64(I v) {
+        v = _mm_add_epi64(v, _mm_unpackhi_epi64(v, v));
+        alignas(16) int64_t out[2];
+        _mm_store_si128(reinterpret_cast<__m128i*>(out), v);
+        return out[0];
+    }
+    static int32_t reduce_add32(I v) {
+        v = _mm_add_epi32(v, _mm_unpackhi_epi64(v, v));
+        v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 1, 1, 1)));
+        return _mm_cvtsi128_si32(v);
+    }
+};
+
+}  // namespace
+}  // namespace a6
+}  // namespace orucv
