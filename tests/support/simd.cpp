@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include <gtest/gtest.h>
+
 namespace orutest {
 
 std::vector<orucv::SimdLevel> available_levels() {
@@ -25,3 +27,22 @@ const char* level_name(orucv::SimdLevel level) {
 }
 
 }  // namespace orutest
+
+// Every test program reports the levels whose paths it could not compare
+// with the scalar twin, as skipped tests, instead of dropping them silently.
+namespace {
+
+void require_level(orucv::SimdLevel level) {
+#if ORUCV_X86_SIMD
+    if (orucv::detected_simd_level() < level)
+        GTEST_SKIP() << "this processor has no " << orutest::level_name(level)
+                     << ": its paths are not compared with the scalar twin here";
+#else
+    GTEST_SKIP() << "portable build: only the scalar kernels exist";
+#endif
+}
+
+}  // namespace
+
+TEST(SimdLevels, Sse2PathsCompared) { require_level(orucv::SimdLevel::Sse2); }
+TEST(SimdLevels, Avx2PathsCompared) { require_level(orucv::SimdLevel::Avx2); }
