@@ -21,12 +21,18 @@ const char* level_name(orucv::SimdLevel level) {
 
 std::string frame_name(const FrameSize& f) { return std::to_string(f.width) + "x" + std::to_string(f.height); }
 
-void run(benchmark::State& state, const Maker& make, FrameSize f, orucv::SimdLevel level, double bytes_per_pixel) {
+void run(benchmark::State& state, const RestoringMaker& make, FrameSize f, orucv::SimdLevel level,
+         double bytes_per_pixel) {
     const orucv::SimdLevel previous = orucv::force_simd_level(level);
-    std::function<void()> call = make(f.width, f.height);
+    const Restoring timed = make(f.width, f.height);
     for (auto _ : state) {
-        call();
+        timed.call();
         benchmark::ClobberMemory();
+        if (timed.restore) {
+            state.PauseTiming();
+            timed.restore();
+            state.ResumeTiming();
+        }
     }
     orucv::force_simd_level(previous);
     const double pixels = static_cast<double>(f.width) * f.height;
@@ -48,11 +54,10 @@ void run_memcpy(benchmark::State& state, FrameSize f, double bytes_per_pixel) {
     state.SetBytesProcessed(static_cast<int64_t>(n * 2) * state.iterations());
 }
 
-}  // namespace
-
-bool add(const std::string& name, double bytes_per_pixel, Maker make) {
+bool register_levels(const std::string& name, double bytes_per_pixel, RestoringMaker make,
+                     const std::vector<FrameSize>& sizes) {
     static std::set<std::string> memcpy_registered;
-    for (const FrameSize& f : frame_sizes()) {
+    for (const FrameSize& f : sizes) {
         const std::string base = name + "/" + frame_name(f);
         if (bytes_per_pixel > 0) {
             const std::string mc = "memcpy/" + frame_name(f) + "/" + std::to_string(bytes_per_pixel).substr(0, 4) + "B_per_px";
@@ -68,6 +73,17 @@ bool add(const std::string& name, double bytes_per_pixel, Maker make) {
         }
     }
     return true;
+}
+
+}  // namespace
+
+bool add(const std::string& name, double bytes_per_pixel, Maker make, const std::vector<FrameSize>& sizes) {
+    return register_levels(
+        name, bytes_per_pixel, [make](int w, int h) { return Restoring{make(w, h), nullptr}; }, sizes);
+}
+
+bool add_restoring(const std::string& name, RestoringMaker make, const std::vector<FrameSize>& sizes) {
+    return register_levels(name, 0, make, sizes);
 }
 
 const orucv_tool::Image& scene(int width, int height, int frame) {

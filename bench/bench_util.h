@@ -26,11 +26,21 @@ inline const std::vector<FrameSize>& frame_sizes() {
 // Builds the buffers for one frame size and returns the call to measure.
 using Maker = std::function<std::function<void()>(int width, int height)>;
 
+// The call to measure and what puts its input back between two calls, out
+// of the timing: for primitives that change their own input.
+struct Restoring {
+    std::function<void()> call, restore;
+};
+using RestoringMaker = std::function<Restoring(int width, int height)>;
+
 // Registers name/WxH/<level> for every SIMD level this machine and build
-// have (avx2, sse2) and for the scalar twin. bytes_per_pixel is what the
-// primitive reads plus writes per pixel; when positive, a memcpy of the same
-// traffic is registered beside it (once per distinct traffic).
-bool add(const std::string& name, double bytes_per_pixel, Maker make);
+// have (avx2, sse2) and for the scalar twin, at each of `sizes`.
+// bytes_per_pixel is what the primitive reads plus writes per pixel; when
+// positive, a memcpy of the same traffic is registered beside it (once per
+// distinct traffic).
+bool add(const std::string& name, double bytes_per_pixel, Maker make,
+         const std::vector<FrameSize>& sizes = frame_sizes());
+bool add_restoring(const std::string& name, RestoringMaker make, const std::vector<FrameSize>& sizes = frame_sizes());
 
 // The demo scene, gray, at the given size (rendered once per size).
 const orucv_tool::Image& scene(int width, int height, int frame = 0);

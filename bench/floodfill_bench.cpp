@@ -1,15 +1,15 @@
 // Flood fills. Fixed range: a frame uniform but for 60 discs, filled from a
 // background pixel; successive calls swap two fill values, so each fills the
 // same region. Gradient: a diagonal ramp (neighbours differ by at most 1)
-// filled with tolerance 1, restored outside the timing. The figure of merit
-// is the filled area per second ("filled/s").
+// filled with tolerance 1, restored outside the timing. Every fill of the
+// list fills most of the frame.
 #include <cstring>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "bench_util.h"
-#include "core/cpu.h"
+#include "floodfill_list.h"
 #include "orucv.h"
 
 namespace {
@@ -52,63 +52,42 @@ std::shared_ptr<Frame<T>> ramp(int w, int h) {
     return f;
 }
 
+// Successive calls swap two fill values, so each fills the same region.
 template <class T, class Fill>
-void run_fixed(benchmark::State& state, int w, int h, orucv::SimdLevel level, Fill fill) {
-    const orucv::SimdLevel previous = orucv::force_simd_level(level);
-    auto f = discs<T>(w, h);
-    OruConnectedComp region{};
-    bool swap = false;
-    for (auto _ : state) {
-        fill(f->image.data(), w * static_cast<int>(sizeof(T)), OruSize{w, h}, OruPoint{0, 0}, swap ? T(100) : T(50),
-             &region, f->buffer.data());
-        swap = !swap;
-    }
-    orucv::force_simd_level(previous);
-    state.counters["filled/s"] = benchmark::Counter(region.area * state.iterations(), benchmark::Counter::kIsRate);
+orubench::Maker fixed(Fill fill) {
+    return [fill](int w, int h) {
+        auto f = discs<T>(w, h);
+        auto swap = std::make_shared<bool>(false);
+        return [f, fill, swap, w, h] {
+            OruConnectedComp region;
+            fill(f->image.data(), w * static_cast<int>(sizeof(T)), OruSize{w, h}, OruPoint{0, 0},
+                 *swap ? T(100) : T(50), &region, f->buffer.data());
+            *swap = !*swap;
+        };
+    };
 }
 
+// The ramp is restored between calls, out of the timing.
 template <class T, class Fill>
-void run_grad(benchmark::State& state, int w, int h, orucv::SimdLevel level, Fill fill) {
-    const orucv::SimdLevel previous = orucv::force_simd_level(level);
-    auto f = ramp<T>(w, h);
-    OruConnectedComp region{};
-    for (auto _ : state) {
-        fill(f->image.data(), w * static_cast<int>(sizeof(T)), OruSize{w, h}, OruPoint{w / 2, h / 2}, T(255), T(1),
-             T(1), &region, f->buffer.data());
-        state.PauseTiming();
-        std::memcpy(f->image.data(), f->original.data(), f->image.size() * sizeof(T));
-        state.ResumeTiming();
-    }
-    orucv::force_simd_level(previous);
-    state.counters["filled/s"] = benchmark::Counter(region.area * state.iterations(), benchmark::Counter::kIsRate);
+orubench::RestoringMaker grad(Fill fill) {
+    return [fill](int w, int h) {
+        auto f = ramp<T>(w, h);
+        return orubench::Restoring{
+            [f, fill, w, h] {
+                OruConnectedComp region;
+                fill(f->image.data(), w * static_cast<int>(sizeof(T)), OruSize{w, h}, OruPoint{w / 2, h / 2}, T(255),
+                     T(1), T(1), &region, f->buffer.data());
+            },
+            [f] { std::memcpy(f->image.data(), f->original.data(), f->image.size() * sizeof(T)); }};
+    };
 }
-
-template <class Runner>
-bool add(const std::string& name, Runner runner) {
-    for (const auto& size : orubench::frame_sizes())
-        for (const bool simd : {true, false}) {
-            const std::string full =
-                name + "/" + std::to_string(size.width) + "x" + std::to_string(size.height) + (simd ? "/simd" : "/scalar");
-            const int w = size.width, h = size.height;
-            benchmark::RegisterBenchmark(full.c_str(), [=](benchmark::State& s) {
-                runner(s, w, h, simd ? orucv::detected_simd_level() : orucv::SimdLevel::Scalar);
-            })->Unit(benchmark::kMillisecond);
-        }
-    return true;
-}
-
-#define FIXED(name, T, fn) \
-    const bool name##_added = add(#name, [](benchmark::State& s, int w, int h, orucv::SimdLevel l) { run_fixed<T>(s, w, h, l, fn); })
-#define GRAD(name, T, fn) \
-    const bool name##_added = add(#name, [](benchmark::State& s, int w, int h, orucv::SimdLevel l) { run_grad<T>(s, w, h, l, fn); })
-
-FIXED(FloodFill_4Con_8u, Oru8u, oruiFloodFill_4Con_8u_C1IR);
-FIXED(FloodFill_8Con_8u, Oru8u, oruiFloodFill_8Con_8u_C1IR);
-FIXED(FloodFill_4Con_32f, Oru32f, oruiFloodFill_4Con_32f_C1IR);
-FIXED(FloodFill_8Con_32f, Oru32f, oruiFloodFill_8Con_32f_C1IR);
-GRAD(FloodFill_Grad4Con_8u, Oru8u, oruiFloodFill_Grad4Con_8u_C1IR);
-GRAD(FloodFill_Grad8Con_8u, Oru8u, oruiFloodFill_Grad8Con_8u_C1IR);
-GRAD(FloodFill_Grad4Con_32f, Oru32f, oruiFloodFill_Grad4Con_32f_C1IR);
-GRAD(FloodFill_Grad8Con_32f, Oru32f, oruiFloodFill_Grad8Con_32f_C1IR);
 
 }  // namespace
+
+#define BENCH_FixedSize(name, T, connectivity)
+#define BENCH_GradSize(name, T, connectivity)
+#define BENCH_Fixed(name, T, connectivity) ORUBENCH(#name, 0, fixed<T>(name));
+#define BENCH_Grad(name, T, connectivity) \
+    static const bool ORUBENCH_CAT(orubench_, __COUNTER__) = orubench::add_restoring(#name, grad<T>(name));
+#define BENCH(name, shape, T, connectivity) BENCH_##shape(name, T, connectivity)
+ORUCV_FLOODFILL_FUNCTIONS(BENCH)

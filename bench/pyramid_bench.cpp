@@ -1,4 +1,4 @@
-// Gaussian pyramids: all 12 filters on the demo scene (gray for one
+// Gaussian pyramids: every filter of the list on the demo scene (gray for one
 // channel, colour for three). Traffic per source pixel: the source read plus
 // the destination written, a quarter of it for PyrDown and four times it
 // for PyrUp (the scratch ring stays in cache).
@@ -7,6 +7,7 @@
 
 #include "bench_util.h"
 #include "orucv.h"
+#include "pyramid_list.h"
 #include "scene.h"
 
 namespace {
@@ -45,20 +46,14 @@ orubench::Maker make(PyrFn<T> fn) {
     };
 }
 
-constexpr double down_traffic(int bytes) { return bytes * 1.25; }
-constexpr double up_traffic(int bytes) { return bytes * 5.0; }
-
-ORUBENCH("PyrDown_8u_C1", down_traffic(1), make<Oru8u, 1, true>(oruiPyrDown_Gauss5x5_8u_C1R));
-ORUBENCH("PyrDown_8u_C3", down_traffic(3), make<Oru8u, 3, true>(oruiPyrDown_Gauss5x5_8u_C3R));
-ORUBENCH("PyrDown_8s_C1", down_traffic(1), make<Oru8s, 1, true>(oruiPyrDown_Gauss5x5_8s_C1R));
-ORUBENCH("PyrDown_8s_C3", down_traffic(3), make<Oru8s, 3, true>(oruiPyrDown_Gauss5x5_8s_C3R));
-ORUBENCH("PyrDown_32f_C1", down_traffic(4), make<Oru32f, 1, true>(oruiPyrDown_Gauss5x5_32f_C1R));
-ORUBENCH("PyrDown_32f_C3", down_traffic(12), make<Oru32f, 3, true>(oruiPyrDown_Gauss5x5_32f_C3R));
-ORUBENCH("PyrUp_8u_C1", up_traffic(1), make<Oru8u, 1, false>(oruiPyrUp_Gauss5x5_8u_C1R));
-ORUBENCH("PyrUp_8u_C3", up_traffic(3), make<Oru8u, 3, false>(oruiPyrUp_Gauss5x5_8u_C3R));
-ORUBENCH("PyrUp_8s_C1", up_traffic(1), make<Oru8s, 1, false>(oruiPyrUp_Gauss5x5_8s_C1R));
-ORUBENCH("PyrUp_8s_C3", up_traffic(3), make<Oru8s, 3, false>(oruiPyrUp_Gauss5x5_8s_C3R));
-ORUBENCH("PyrUp_32f_C1", up_traffic(4), make<Oru32f, 1, false>(oruiPyrUp_Gauss5x5_32f_C1R));
-ORUBENCH("PyrUp_32f_C3", up_traffic(12), make<Oru32f, 3, false>(oruiPyrUp_Gauss5x5_32f_C3R));
+constexpr double down_traffic(double bytes) { return bytes * 1.25; }
+constexpr double up_traffic(double bytes) { return bytes * 5.0; }
 
 }  // namespace
+
+#define BENCH_Down(name, T, CH) ORUBENCH(#name, down_traffic(CH * sizeof(T)), make<T, CH, true>(name));
+#define BENCH_Up(name, T, CH) ORUBENCH(#name, up_traffic(CH * sizeof(T)), make<T, CH, false>(name));
+#define BENCH_DownSize(name, T, CH)
+#define BENCH_UpSize(name, T, CH)
+#define BENCH(name, shape, T, CH) BENCH_##shape(name, T, CH)
+ORUCV_PYRAMID_FUNCTIONS(BENCH)

@@ -6,9 +6,17 @@
 #pragma once
 
 #include "absdiff_list.h"
+#include "distransform_list.h"
+#include "floodfill_list.h"
+#include "matchtemplate_list.h"
+#include "pyramid_list.h"
 
-#define ORUCV_LISTED_FUNCTIONS(X) \
-    ORUCV_ABSDIFF_FUNCTIONS(X)
+#define ORUCV_LISTED_FUNCTIONS(X)     \
+    ORUCV_ABSDIFF_FUNCTIONS(X)        \
+    ORUCV_DISTRANSFORM_FUNCTIONS(X)   \
+    ORUCV_FLOODFILL_FUNCTIONS(X)      \
+    ORUCV_MATCHTEMPLATE_FUNCTIONS(X)  \
+    ORUCV_PYRAMID_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared
 // name is listed waits for them.
