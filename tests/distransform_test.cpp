@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "a6/distransform.h"
+#include "distransform_list.h"
 #include "orucv.h"
 #include "support/image.h"
 #include "support/simd.h"
@@ -19,7 +20,23 @@ using namespace orutest;
 namespace {
 
 using Transform = OruStatus (*)(const Oru8u*, int, Oru32f*, int, OruSize, const Oru32f*);
-const Transform kTransforms[2] = {oruiDistanceTransform_3x3_8u32f_C1R, oruiDistanceTransform_5x5_8u32f_C1R};
+
+// The transforms of the list, each with the side of its mask.
+struct TransformFn {
+    Transform fn;
+    int side;
+};
+#define TRANSFORM_Mask(name, side)
+#define TRANSFORM_Transform(name, side) TransformFn{name, side},
+#define TRANSFORM(name, shape, side) TRANSFORM_##shape(name, side)
+const TransformFn kTransforms[] = {ORUCV_DISTRANSFORM_FUNCTIONS(TRANSFORM)};
+
+Transform with_side(int side) {
+    for (const TransformFn& t : kTransforms)
+        if (t.side == side) return t.fn;
+    ADD_FAILURE() << "no transform with a " << side << "x" << side << " mask";
+    return nullptr;
+}
 constexpr int32_t kFar = 0x3FFFFFFF;
 
 uint32_t bits(float f) {
@@ -139,7 +156,8 @@ TEST(DistanceChecks, OrderOfChecks) {
     GuardedImage<Oru32f> dst(8, 4);
     const float m[3] = {1, 1.4f, 2.2f};
     const auto before = dst.snapshot();
-    for (Transform t : kTransforms) {
+    for (const TransformFn& f : kTransforms) {
+        const Transform t = f.fn;
         EXPECT_EQ(t(nullptr, 8, dst.data(), 32, {-1, -1}, m), oruStsNullPointer);
         EXPECT_EQ(t(src.data(), 8, nullptr, 32, {8, 4}, m), oruStsNullPointer);
         EXPECT_EQ(t(src.data(), -1, dst.data(), 1, {8, 4}, nullptr), oruStsNullPointer);
@@ -172,7 +190,7 @@ TEST(DistanceValues, WorkedExamples) {
                  {52, 4, 3, unit_float(units(2.1969f))}, {52, 5, 4, unit_float(units(1.4f) + units(2.1969f))}};
     for (const auto& c : cases) {
         ASSERT_EQ(oruiGetDistanceTransformMask(c.code, m), oruStsOk);
-        EXPECT_EQ(kTransforms[c.code / 50](src.data(), src.step(), dst.data(), dst.step(), {7, 6}, m), oruStsOk);
+        EXPECT_EQ(with_side(c.code / 10)(src.data(), src.step(), dst.data(), dst.step(), {7, 6}, m), oruStsOk);
         EXPECT_EQ(bits(dst.at(c.x, c.y)), bits(c.expected)) << c.code;
         EXPECT_EQ(dst.at(2, 2), 0.0f);
     }
@@ -181,8 +199,8 @@ TEST(DistanceValues, WorkedExamples) {
     for (OruSize s : {OruSize{1, 1}, OruSize{1, 9}, OruSize{9, 1}, OruSize{3, 3}, OruSize{40, 5}}) {
         GuardedImage<Oru8u> none(s.width, s.height);
         none.fill(1);
-        for (Transform t : kTransforms)
-            for (uint32_t v : run(t, none, m)) EXPECT_EQ(v, bits(4096.0f));
+        for (const TransformFn& t : kTransforms)
+            for (uint32_t v : run(t.fn, none, m)) EXPECT_EQ(v, bits(4096.0f));
     }
 }
 
@@ -197,7 +215,7 @@ TEST(DistanceValues, FixedPointRounding) {
     } cases[] = {{0.5 * u, 0.0f}, {1.5 * u, 2 * u}, {2.5 * u, 2 * u}, {2.5000003 * u, 3 * u}, {-1.5 * u, -2 * u}, {-2.5 * u, -2 * u}};
     for (const auto& c : cases) {
         const float m[3] = {static_cast<float>(c.weight), 1, 1};
-        for (Transform t : kTransforms) EXPECT_EQ(run(t, src, m)[1], bits(c.expected)) << c.weight;
+        for (const TransformFn& t : kTransforms) EXPECT_EQ(run(t.fn, src, m)[1], bits(c.expected)) << c.weight;
     }
 }
 
@@ -214,7 +232,7 @@ TEST(DistanceValues, ShortestPaths) {
                 const bool five = m[2] != 0;
                 const auto expected = as_floats(dijkstra(src, w3, five));
                 expect_same_on_every_path([&] {
-                    const auto got = run(kTransforms[five], src, m);
+                    const auto got = run(with_side(five ? 5 : 3), src, m);
                     EXPECT_EQ(got, expected) << sz[0] << "x" << sz[1] << " mask " << m[0] << "," << m[1];
                     return got;
                 });
@@ -235,7 +253,7 @@ TEST(DistanceValues, WrappingWeights) {
                 const bool extras = five && (sz.first < 4 || sz.second < 4);
                 const auto expected = as_floats(pass_model(src, w3, five, extras));
                 expect_same_on_every_path([&] {
-                    const auto got = run(kTransforms[five], src, m);
+                    const auto got = run(with_side(five ? 5 : 3), src, m);
                     EXPECT_EQ(got, expected) << m[0] << "," << m[1] << "," << m[2];
                     return got;
                 });
@@ -265,7 +283,7 @@ TEST(DistancePaths, EveryWidthAndLayout) {
             const auto src = random_features(width, 6, width * 7 + l, 8, src_layout.pad_bytes, src_layout.misalign_bytes);
             for (int five : {0, 1})
                 expect_same_on_every_path([&] {
-                    return run(kTransforms[five], src, m, dst_layout.pad_bytes, dst_layout.misalign_bytes);
+                    return run(with_side(five ? 5 : 3), src, m, dst_layout.pad_bytes, dst_layout.misalign_bytes);
                 });
         }
 }

@@ -1,19 +1,31 @@
+// The distance transform's engine: mask weights, fixed-point weights, the
+// forward and backward passes over the destination rows, and the scalar
+// table.
 #include "a6/distransform.h"
 
-#include <cstddef>
+#include <cstring>
 
+#include "core/assert.h"
 #include "core/cpu.h"
-
-// The C library's assertion handler, declared here because <assert.h> hides
-// it under NDEBUG; the invariant below must hold in every build.
-extern "C" void __assert_fail(const char* assertion, const char* file, unsigned int line, const char* function) noexcept
-    __attribute__((__noreturn__));
+#include "core/rows.h"
 
 namespace orucv {
 namespace a6 {
 
-const DistanceKernels distance_kernels_scalar = {scalar::init_row,  scalar::to_float_row, scalar::near3_row,
-                                                 scalar::near5_row, scalar::scan_right,   scalar::scan_left};
+namespace {
+constexpr DistanceKernels scalar_table() {
+    DistanceKernels k{};
+    k.init_row = scalar::init_row;
+    k.to_float_row = scalar::to_float_row;
+    k.near3_row = scalar::near3_row;
+    k.near5_row = scalar::near5_row;
+    k.scan_right = scalar::scan_right;
+    k.scan_left = scalar::scan_left;
+    return k;
+}
+}  // namespace
+
+const DistanceKernels distance_kernels_scalar = scalar_table();
 
 const DistanceKernels& distance_kernels() { return ORUCV_CHOOSE(distance_kernels); }
 
@@ -23,8 +35,16 @@ using scalar::add_wrap;
 using scalar::min2;
 
 // The passes walk one row pointer down the destination and back up again.
-inline dist_t* step_rows(dist_t* row, int step, int rows) {
-    return reinterpret_cast<dist_t*>(reinterpret_cast<char*>(row) + static_cast<ptrdiff_t>(step) * rows);
+inline dist_t* step_rows(dist_t* row, int step, int rows) { return row_at(row, step, rows); }
+
+// A weight in units of 2^-18, rounded to nearest with ties to even: adding
+// 1.5 * 2^52 pushes the fraction out of the double, whose low 32 bits then
+// hold the rounded value (in two's complement for negative weights).
+int32_t fixed_point(float weight) {
+    const double shifted = static_cast<double>(weight) * 262144.0 + 6755399441055744.0;
+    uint64_t bits;
+    std::memcpy(&bits, &shifted, sizeof bits);
+    return static_cast<int32_t>(static_cast<uint32_t>(bits));
 }
 
 // Width 1: the column is a row of its own with the step as the distance
@@ -95,13 +115,42 @@ dist_t* general_pass(dist_t* row, int dstStep, int width, int height, int dir, i
 
 }  // namespace
 
+void distance_mask(int maskType, float* metrics) {
+    switch (maskType) {
+    case 30:  // 3x3 chessboard
+        metrics[0] = 1.0f;
+        metrics[1] = 1.0f;
+        break;
+    case 31:  // 3x3 city block
+        metrics[0] = 1.0f;
+        metrics[1] = 2.0f;
+        break;
+    case 32:  // 3x3 Euclidean: 0x3F747AE1, 0x3FAF4539
+        metrics[0] = 0.955f;
+        metrics[1] = 1.3693f;
+        break;
+    default:  // 52, 5x5 Euclidean: 0x3F800000, 0x3FB33333, 0x400C9A02
+        metrics[0] = 1.0f;
+        metrics[1] = 1.4f;
+        metrics[2] = 2.1969f;
+    }
+}
+
+void distance_transform(int side, const uint8_t* src, int srcStep, float* dst, int dstStep, OruSize roi,
+                        const float* metrics) {
+    if (side == 3)
+        a6_orcvDistanceTransform_3x3_8u32f_C1R(src, srcStep, dst, dstStep, roi.width, roi.height,
+                                               fixed_point(metrics[0]), fixed_point(metrics[1]));
+    else
+        a6_orcvDistanceTransform_5x5_8u32f_C1R(src, srcStep, dst, dstStep, roi.width, roi.height,
+                                               fixed_point(metrics[0]), fixed_point(metrics[1]),
+                                               fixed_point(metrics[2]));
+}
+
 void distance_finish(const dist_t* idist, float* pDst, int dstStep, int width, int rows) {
-    // The source name and line are part of the message users may meet.
-    if (!(idist == reinterpret_cast<const dist_t*>(pDst)))
-        __assert_fail("idist == (int*)pDst", "src/orcvdistransform", 588, __func__);
-    const DistanceKernels& k = distance_kernels();
-    dist_t* row = reinterpret_cast<dist_t*>(pDst);
-    for (int y = 0; y < rows; ++y, row = step_rows(row, dstStep, 1)) k.to_float_row(row, width);
+    // The message names the source and line of the original routine.
+    ORUCV_ASSERT_AT(idist == (int*)pDst, "src/orcvdistransform", 588, __func__);
+    for_each_row({width, rows}, distance_kernels().to_float_row, plane(reinterpret_cast<dist_t*>(pDst), dstStep));
 }
 
 void a6_orcvDistanceTransform_3x3_8u32f_C1R(const uint8_t* pSrc, int srcStep, float* pDst, int dstStep, int width,
@@ -119,7 +168,7 @@ void a6_orcvDistanceTransform_3x3_8u32f_C1R(const uint8_t* pSrc, int srcStep, fl
     for (int y = 1; y < height; ++y) {
         const dist_t* above = row;
         row = step_rows(row, dstStep, 1);
-        k.init_row(pSrc + static_cast<ptrdiff_t>(srcStep) * y, row, width);
+        k.init_row(row_at(pSrc, srcStep, y), row, width);
         k.near3_row(row, above, width, a, b);
         k.scan_right(row, width, a);
     }
@@ -138,10 +187,8 @@ void a6_orcvDistanceTransform_3x3_8u32f_C1R(const uint8_t* pSrc, int srcStep, fl
 
 void distance_5x5_general(const uint8_t* pSrc, int srcStep, float* pDst, int dstStep, int width, int height,
                           int32_t a, int32_t b, int32_t c) {
-    const DistanceKernels& k = distance_kernels();
     dist_t* row = reinterpret_cast<dist_t*>(pDst);
-    for (int y = 0; y < height; ++y)
-        k.init_row(pSrc + static_cast<ptrdiff_t>(srcStep) * y, step_rows(row, dstStep, y), width);
+    for_each_row({width, height}, distance_kernels().init_row, plane(pSrc, srcStep), plane(row, dstStep));
     row = general_pass(row, dstStep, width, height, 1, a, b, c);
     row = general_pass(row, dstStep, width, height, -1, a, b, c);
     distance_finish(row, pDst, dstStep, width, height);
@@ -162,7 +209,7 @@ void a6_orcvDistanceTransform_5x5_8u32f_C1R(const uint8_t* pSrc, int srcStep, fl
     for (int y = 1; y < height; ++y) {
         const dist_t* above1 = row;
         row = step_rows(row, dstStep, 1);
-        k.init_row(pSrc + static_cast<ptrdiff_t>(srcStep) * y, row, width);
+        k.init_row(row_at(pSrc, srcStep, y), row, width);
         k.near5_row(row, above1, above2, width, a, b, c);
         k.scan_right(row, width, a);
         above2 = above1;

@@ -4,10 +4,13 @@
 // rows until the final conversion to float. Sums wrap like the processor's
 // 32-bit additions and comparisons are signed, so any weights give a defined
 // result. The scalar twins are static inline so that every translation unit
-// (each compiled for its own instruction set) keeps its own copy for tails.
+// (each compiled for its own instruction set) keeps its own copy for tails;
+// the vector rows are in distransform_simd.h.
 #pragma once
 
 #include <cstdint>
+
+#include "orucv.h"
 
 namespace orucv {
 namespace a6 {
@@ -53,9 +56,16 @@ extern const DistanceKernels distance_kernels_sse2;
 extern const DistanceKernels distance_kernels_avx2;
 const DistanceKernels& distance_kernels();
 
-// Image-level transforms. Arguments are trusted: width and height >= 1,
-// srcStep >= width, dstStep >= 4 * width and a multiple of 4. a, b, c are
-// the fixed-point weights.
+// Engines; arguments are trusted (checked by the wrappers).
+// The weights of a standard mask (maskType 30, 31, 32 or 52).
+void distance_mask(int maskType, float* metrics);
+// The transform with a mask of `side` 3 or 5 over a region of at least one
+// pixel: the float weights in fixed point, then the passes.
+void distance_transform(int side, const uint8_t* src, int srcStep, float* dst, int dstStep, OruSize roi,
+                        const float* metrics);
+
+// The passes themselves. width and height >= 1, srcStep >= width, dstStep
+// >= 4 * width and a multiple of 4; a, b, c are the fixed-point weights.
 void a6_orcvDistanceTransform_3x3_8u32f_C1R(const uint8_t* pSrc, int srcStep, float* pDst, int dstStep, int width,
                                             int height, int32_t a, int32_t b);
 // Takes the unrolled path when width and height are at least 4, else the

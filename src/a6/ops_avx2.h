@@ -175,6 +175,28 @@ struct Avx2 {
         h = _mm_add_epi32(h, _mm_shuffle_epi32(h, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(h);
     }
+
+    // ---- Distance transform: signed 32-bit minimum, whole-lane moves
+    static I min32(I a, I b) { return _mm256_min_epi32(a, b); }
+    // The lane each lane of a move takes (clamped; blended over by fill).
+    static constexpr int up_from(int j, int k) { return j >= k ? j - k : 0; }
+    static constexpr int down_from(int j, int k) { return j + k < 8 ? j + k : 7; }
+    // r[j] = j >= K ? v[j - K] : fill[j] (0 < K < 8); a half at once for 4.
+    template <int K> static I shift_up32(I v, I fill) {
+        if (K == 4) return _mm256_permute2x128_si256(v, fill, 0x02);  // low half fill's, high half v's low
+        const I from = _mm256_setr_epi32(up_from(0, K), up_from(1, K), up_from(2, K), up_from(3, K), up_from(4, K),
+                                         up_from(5, K), up_from(6, K), up_from(7, K));
+        return _mm256_blend_epi32(_mm256_permutevar8x32_epi32(v, from), fill, (1 << K) - 1);
+    }
+    // r[j] = j + K < 8 ? v[j + K] : fill[j] (0 < K < 8).
+    template <int K> static I shift_down32(I v, I fill) {
+        if (K == 4) return _mm256_permute2x128_si256(v, fill, 0x31);  // low half v's high, high half fill's
+        const I from = _mm256_setr_epi32(down_from(0, K), down_from(1, K), down_from(2, K), down_from(3, K),
+                                         down_from(4, K), down_from(5, K), down_from(6, K), down_from(7, K));
+        return _mm256_blend_epi32(_mm256_permutevar8x32_epi32(v, from), fill, (0xFF << (8 - K)) & 0xFF);
+    }
+    static I broadcast_first32(I v) { return _mm256_broadcastd_epi32(_mm256_castsi256_si128(v)); }
+    static I broadcast_last32(I v) { return _mm256_permutevar8x32_epi32(v, _mm256_set1_epi32(7)); }
 };
 
 }  // namespace

@@ -188,6 +188,21 @@ struct Sse2 {
         v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(v);
     }
+
+    // ---- Distance transform: signed 32-bit minimum, whole-lane moves
+    static I min32(I a, I b) { return select(cmpgt32(a, b), b, a); }
+    // Lanes moved K places up, the lowest K taken from fill:
+    // r[j] = j >= K ? v[j - K] : fill[j].
+    template <int K> static I shift_up32(I v, I fill) {
+        return or_(_mm_slli_si128(v, 4 * K), and_(fill, _mm_setr_epi32(-(K > 0), -(K > 1), -(K > 2), -(K > 3))));
+    }
+    // Lanes moved K places down, the highest K taken from fill:
+    // r[j] = j + K < lanes ? v[j + K] : fill[j].
+    template <int K> static I shift_down32(I v, I fill) {
+        return or_(_mm_srli_si128(v, 4 * K), and_(fill, _mm_setr_epi32(-(K > 3), -(K > 2), -(K > 1), -(K > 0))));
+    }
+    static I broadcast_first32(I v) { return _mm_shuffle_epi32(v, 0x00); }
+    static I broadcast_last32(I v) { return _mm_shuffle_epi32(v, 0xFF); }
 };
 
 }  // namespace

@@ -87,4 +87,19 @@ inline OruStatus check_order_d(std::initializer_list<const void*> pointers, std:
     return oruStsOk;
 }
 
+// Distance transforms: order B with the weights among the pointers; every
+// step fault is oruStsSize and zero sizes pass.
+inline OruStatus check_distance_transform(const void* src, int srcStep, const void* dst, int dstStep, OruSize roi,
+                                          const void* metrics) {
+    return check_order_b({src, dst, metrics}, {{srcStep, 1}, {dstStep, 4}}, roi);
+}
+
+// The distance mask query: the output, then the code (10 * side + norm; 5x5
+// only with the Euclidean norm).
+inline OruStatus check_distance_mask(int maskType, const void* metrics) {
+    if (!metrics) return oruStsNullPointer;
+    if (maskType != 30 && maskType != 31 && maskType != 32 && maskType != 52) return oruStsOutOfRange;
+    return oruStsOk;
+}
+
 }  // namespace orucv
