@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "a6/floodfill.h"
+#include "floodfill_list.h"
 #include "orucv.h"
 #include "support/image.h"
 #include "support/simd.h"
@@ -143,21 +144,68 @@ OruConnectedComp reference(Plain<T>& img, OruPoint seed, bool eight, bool grad, 
     return {area, static_cast<double>(fill), {r.x, r.y, r.width - r.x + 1, r.height - r.y + 1}};
 }
 
-// The eight fill functions behind one signature; fixed fills ignore lo, hi.
+// One call of any fill function of the list; fixed fills ignore lo, hi.
+template <class T>
+struct FillCall {
+    T* image;
+    int step;
+    OruSize roi;
+    OruPoint seed;
+    Tol<T> value, lo, hi;
+    OruConnectedComp* region;
+    Oru8u* buffer;
+};
+
+template <class T, auto F>
+OruStatus call_Fixed(const FillCall<T>& c) {
+    return F(c.image, c.step, c.roi, c.seed, c.value, c.region, c.buffer);
+}
+template <class T, auto F>
+OruStatus call_Grad(const FillCall<T>& c) {
+    return F(c.image, c.step, c.roi, c.seed, c.value, c.lo, c.hi, c.region, c.buffer);
+}
+
+template <class T>
+struct Fill {
+    const char* name;
+    bool grad, eight;
+    OruStatus (*call)(const FillCall<T>&);
+};
+template <class T>
+struct Fills {
+    static const std::vector<Fill<T>> all;
+};
+template <class Pixel, class T, bool kGrad, int kNeighbours, auto F>
+void add_fill(std::vector<Fill<Pixel>>& fills, const char* name) {
+    if constexpr (std::is_same<T, Pixel>::value) {
+        if constexpr (kGrad) fills.push_back({name, true, kNeighbours == 8, call_Grad<Pixel, F>});
+        else fills.push_back({name, false, kNeighbours == 8, call_Fixed<Pixel, F>});
+    }
+}
+#define FILL_FixedSize(name, T, neighbours)
+#define FILL_GradSize(name, T, neighbours)
+#define FILL_Fixed(name, T, neighbours) add_fill<Pixel, T, false, neighbours, name>(fills, #name);
+#define FILL_Grad(name, T, neighbours) add_fill<Pixel, T, true, neighbours, name>(fills, #name);
+#define FILL(name, shape, T, neighbours) FILL_##shape(name, T, neighbours)
+
+// The fills of the list on one pixel type.
+template <class Pixel>
+std::vector<Fill<Pixel>> fills_of() {
+    std::vector<Fill<Pixel>> fills;
+    ORUCV_FLOODFILL_FUNCTIONS(FILL)
+    return fills;
+}
+template <class T>
+const std::vector<Fill<T>> Fills<T>::all = fills_of<T>();
+
+// The fill of the list with that admission and connectivity.
 template <class T>
 OruStatus run_fill(bool grad, bool eight, T* p, int step, OruSize roi, OruPoint seed, Tol<T> v, Tol<T> lo,
                    Tol<T> hi, OruConnectedComp* r, Oru8u* buf) {
-    if constexpr (sizeof(T) == 1) {
-        if (grad)
-            return (eight ? oruiFloodFill_Grad8Con_8u_C1IR : oruiFloodFill_Grad4Con_8u_C1IR)(p, step, roi, seed, v, lo,
-                                                                                           hi, r, buf);
-        return (eight ? oruiFloodFill_8Con_8u_C1IR : oruiFloodFill_4Con_8u_C1IR)(p, step, roi, seed, v, r, buf);
-    } else {
-        if (grad)
-            return (eight ? oruiFloodFill_Grad8Con_32f_C1IR : oruiFloodFill_Grad4Con_32f_C1IR)(p, step, roi, seed, v,
-                                                                                             lo, hi, r, buf);
-        return (eight ? oruiFloodFill_8Con_32f_C1IR : oruiFloodFill_4Con_32f_C1IR)(p, step, roi, seed, v, r, buf);
-    }
+    for (const Fill<T>& f : Fills<T>::all)
+        if (f.grad == grad && f.eight == eight) return f.call({p, step, roi, seed, v, lo, hi, r, buf});
+    ADD_FAILURE() << "no such fill in the list";
+    return oruStsError;
 }
 
 void expect_region(const OruConnectedComp& a, const OruConnectedComp& b) {
@@ -450,17 +498,18 @@ int run_kernel(const Plain<T>& src, OruPoint seed, bool eight, bool grad, int by
     buf.open(0, bytes);
     buf.close();
     const auto& k = orucv::a6::floodfill_kernels();
+    const auto c = eight ? orucv::a6::kEightConnected : orucv::a6::kFourConnected;
     orucv::a6::FillResult r;
     if (grad) {
         orucv::a6::GradJob<T, Tol<T>> job{img.data(), img.step_, src.w, src.h, seed.x, seed.y, T(5),
                                           0,          0,         buf.at(0), static_cast<uint32_t>(bytes), {}};
-        if constexpr (sizeof(T) == 1) k.grad_8u[eight](job), r = job.result;
-        else k.grad_32f[eight](job), r = job.result;
+        if constexpr (sizeof(T) == 1) k.grad_8u[c](job), r = job.result;
+        else k.grad_32f[c](job), r = job.result;
     } else {
         orucv::a6::FillJob<T> job{img.data(), img.step_, src.w, src.h, seed.x, seed.y, T(5),
                                   buf.at(0), static_cast<uint32_t>(bytes), {}};
-        if constexpr (sizeof(T) == 1) k.fill_8u[eight](job), r = job.result;
-        else k.fill_32f[eight](job), r = job.result;
+        if constexpr (sizeof(T) == 1) k.fill_8u[c](job), r = job.result;
+        else k.fill_32f[c](job), r = job.result;
     }
     Plain<T> want = src;
     expect_region({static_cast<double>(r.area), 5.0, {r.min_x, r.min_y, r.max_x - r.min_x + 1, r.max_y - r.min_y + 1}},

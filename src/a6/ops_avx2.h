@@ -197,6 +197,12 @@ struct Avx2 {
     }
     static I broadcast_first32(I v) { return _mm256_broadcastd_epi32(_mm256_castsi256_si128(v)); }
     static I broadcast_last32(I v) { return _mm256_permutevar8x32_epi32(v, _mm256_set1_epi32(7)); }
+
+    // ---- Flood fill: float bitwise operations and the other comparison
+    static F andf(F a, F b) { return _mm256_and_ps(a, b); }
+    static F orf(F a, F b) { return _mm256_or_ps(a, b); }
+    static F xorf(F a, F b) { return _mm256_xor_ps(a, b); }
+    static F cmpgtf(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_GT_OQ); }
 };
 
 }  // namespace

@@ -203,6 +203,12 @@ struct Sse2 {
     }
     static I broadcast_first32(I v) { return _mm_shuffle_epi32(v, 0x00); }
     static I broadcast_last32(I v) { return _mm_shuffle_epi32(v, 0xFF); }
+
+    // ---- Flood fill: float bitwise operations and the other comparison
+    static F andf(F a, F b) { return _mm_and_ps(a, b); }
+    static F orf(F a, F b) { return _mm_or_ps(a, b); }
+    static F xorf(F a, F b) { return _mm_xor_ps(a, b); }
+    static F cmpgtf(F a, F b) { return _mm_cmpgt_ps(a, b); }
 };
 
 }  // namespace

@@ -102,4 +102,39 @@ inline OruStatus check_distance_mask(int maskType, const void* metrics) {
     return oruStsOk;
 }
 
+// Flood fills: order A over the image, the record and the buffer among the
+// pointers; then the seed inside the region; then an 8-bit fill value in
+// 0..255.
+template <class T, class V>
+inline OruStatus check_flood_fill(const T* image, int step, OruSize roi, OruPoint seed, V new_value,
+                                  const void* region, const void* buffer) {
+    if (OruStatus s = check_order_a({image, region, buffer}, {step}, roi, sizeof(T) == 4 ? 4 : 0)) return s;
+    if (seed.x < 0 || seed.x >= roi.width || seed.y < 0 || seed.y >= roi.height) return oruStsOutOfRange;
+    if constexpr (sizeof(T) == 1) {
+        if (new_value < 0 || new_value >= 256) return oruStsBadArg;
+    }
+    return oruStsOk;
+}
+
+// Gradient fills: the flood fill's order, then the tolerances: both at
+// least 0 (a NaN fails) and, for 8-bit images, a sum below 256 (taken
+// without wrapping).
+template <class T, class V>
+inline OruStatus check_gradient_fill(const T* image, int step, OruSize roi, OruPoint seed, V new_value, V min_delta,
+                                     V max_delta, const void* region, const void* buffer) {
+    if (OruStatus s = check_flood_fill(image, step, roi, seed, new_value, region, buffer)) return s;
+    if (!(min_delta >= 0) || !(max_delta >= 0)) return oruStsOutOfRange;
+    if constexpr (sizeof(T) == 1) {
+        if (static_cast<long long>(min_delta) + max_delta >= 256) return oruStsOutOfRange;
+    }
+    return oruStsOk;
+}
+
+// The flood fills' buffer-size queries: the size before the pointer.
+inline OruStatus check_fill_size(OruSize roi, const void* size) {
+    if (roi.width < 1 || roi.height < 1) return oruStsSize;
+    if (!size) return oruStsNullPointer;
+    return oruStsOk;
+}
+
 }  // namespace orucv

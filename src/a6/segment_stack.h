@@ -1,6 +1,6 @@
-// What the fixed-range and gradient flood fills share: the buffer sizes,
-// the segment record and its LIFO stack in the caller's buffer, and the
-// pending marks that take over when the stack is full.
+// The segment stack of the flood fills, fixed-range and gradient: the
+// buffer sizes, the segment record and its LIFO stack in the caller's
+// buffer, and the pending marks that take over when the stack is full.
 //
 // The stack lives in the caller's buffer (6 bytes per pixel, one 24-byte
 // record per four pixels) or, when that holds fewer than kLocalSegments
@@ -19,8 +19,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "core/bytes.h"
+
 namespace orucv {
-namespace floodfill {
+namespace a6 {
 namespace {
 
 // Size of the fixed fill's work buffer, (width * (24 * height)) >> 2 in
@@ -53,24 +55,6 @@ struct Segment {
 static_assert(sizeof(Segment) == 24, "a segment record is six 32-bit integers");
 
 constexpr int kLocalSegments = 32;
-
-// Bytes no compiler turns into a library call: the value is hidden from the
-// optimiser, so loops storing it are not recognised as memset.
-inline void set_bytes(uint8_t* p, size_t n, uint8_t value) {
-    uint64_t pattern = value * 0x0101010101010101ull;
-    __asm__("" : "+r"(pattern));
-    size_t i = 0;
-    for (; i + 8 <= n; i += 8) std::memcpy(p + i, &pattern, 8);
-    if (n - i >= 4) {
-        std::memcpy(p + i, &pattern, 4);
-        i += 4;
-    }
-    if (n - i >= 2) {
-        std::memcpy(p + i, &pattern, 2);
-        i += 2;
-    }
-    if (n - i) p[i] = static_cast<uint8_t>(pattern);
-}
 
 class SegmentStack {
 public:
@@ -128,7 +112,7 @@ public:
 
     void mark(int y, int l, int r) {
         if (!cleared_) {
-            set_bytes(bits_, static_cast<size_t>(bitmap_bytes(width_, height_)), 0);
+            fill_bytes(bits_, 0, static_cast<size_t>(bitmap_bytes(width_, height_)));
             cleared_ = true;
         }
         uint8_t* row = bits_ + static_cast<size_t>(pitch_) * y;
@@ -190,7 +174,7 @@ public:
     uint8_t* row(int y) const { return mask_ + pitch_ * static_cast<size_t>(y + 1) + 1; }
 
     void mark(int y, int l, int r) {
-        set_bytes(row(y) + l, static_cast<size_t>(r - l + 1), kVisited | kPending);
+        fill_bytes(row(y) + l, kVisited | kPending, static_cast<size_t>(r - l + 1));
         rows_.add(y);
     }
     bool any() const { return rows_.any(); }
@@ -246,5 +230,5 @@ struct RegionBox {
 };
 
 }  // namespace
-}  // namespace floodfill
+}  // namespace a6
 }  // namespace orucv
