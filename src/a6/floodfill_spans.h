@@ -328,6 +328,29 @@ struct BlockOps {
     }
 };
 
+// ---- The segment loop ----------------------------------------------------
+
+// Pops segments until the stack and the pending marks are exhausted:
+// visit(segment, lo, hi) examines the neighbouring rows of a popped segment
+// over columns lo..hi (one column more on each side for 8-connectivity).
+// Returns how often the pending marks were collected.
+template <bool kEight, class Pending, class Visit>
+inline int drain(SegmentStack& stack, Pending& pending, RegionBox& box, int width, Visit visit) {
+    int collections = 0;
+    for (;;) {
+        Segment s;
+        while (stack.pop(s)) {
+            box.add(s);
+            const int lo = kEight ? (s.left > 0 ? s.left - 1 : 0) : s.left;
+            const int hi = kEight ? (s.right < width - 1 ? s.right + 1 : width - 1) : s.right;
+            visit(s, lo, hi);
+        }
+        if (!pending.any()) return collections;
+        pending.collect(stack);
+        ++collections;
+    }
+}
+
 // ---- Fixed-range fill -----------------------------------------------------
 
 // Walks columns xs..xe of a row next to the popped segment: each qualifying
@@ -372,27 +395,20 @@ void fixed_fill(FillJob<T>& job) {
     stack.push(job.seed_y, l0, r0, r0 + 1, r0, job.seed_y == h - 1 ? -1 : 1);
 
     RegionBox box;
-    int collections = 0;
-    for (;;) {
-        Segment s;
-        while (stack.pop(s)) {
-            box.add(s);
-            const int lo = kEight ? (s.left > 0 ? s.left - 1 : 0) : s.left;
-            const int hi = kEight ? (s.right < w - 1 ? s.right + 1 : w - 1) : s.right;
-            const int ya = s.y - s.dir;  // away from the parent
-            if (static_cast<unsigned>(ya) < static_cast<unsigned>(h))
-                fixed_scan<Ops>(row_at(image, step, ya), ya, lo, hi, w, q, s, s.dir, stack, pending, area);
-            const int yb = s.y + s.dir;  // the parent's row, outside its range
-            if (static_cast<unsigned>(yb) < static_cast<unsigned>(h)) {
-                T* row = row_at(image, step, yb);
-                fixed_scan<Ops>(row, yb, lo, s.prev_left - 1, w, q, s, -s.dir, stack, pending, area);
-                fixed_scan<Ops>(row, yb, s.prev_right + 1, hi, w, q, s, -s.dir, stack, pending, area);
-            }
+    // The closures take their values by copy: byte stores may alias anything
+    // reached through a reference.
+    const auto visit = [&stack, &pending, &area, image, step, w, h, q](const Segment& s, int lo, int hi) {
+        const int ya = s.y - s.dir;  // away from the parent
+        if (static_cast<unsigned>(ya) < static_cast<unsigned>(h))
+            fixed_scan<Ops>(row_at(image, step, ya), ya, lo, hi, w, q, s, s.dir, stack, pending, area);
+        const int yb = s.y + s.dir;  // the parent's row, outside its range
+        if (static_cast<unsigned>(yb) < static_cast<unsigned>(h)) {
+            T* row = row_at(image, step, yb);
+            fixed_scan<Ops>(row, yb, lo, s.prev_left - 1, w, q, s, -s.dir, stack, pending, area);
+            fixed_scan<Ops>(row, yb, s.prev_right + 1, hi, w, q, s, -s.dir, stack, pending, area);
         }
-        if (!pending.any()) break;
-        pending.collect(stack);
-        ++collections;
-    }
+    };
+    const int collections = drain<kEight>(stack, pending, box, w, visit);
     job.result = FillResult{area, box.min_x, box.min_y, box.max_x, box.max_y, collections};
 }
 
@@ -451,35 +467,28 @@ void grad_fill(GradJob<T, Tol>& job) {
     stack.push(job.seed_y, l0, r0, r0 + 1, r0, 1);
 
     RegionBox box;
-    int collections = 0;
-    for (;;) {
-        Segment s;
-        while (stack.pop(s)) {
-            box.add(s);
-            T* cur = row_at(image, step, s.y);
-            const int lo = kEight ? (s.left > 0 ? s.left - 1 : 0) : s.left;
-            const int hi = kEight ? (s.right < w - 1 ? s.right + 1 : w - 1) : s.right;
-            // Rows outside the image hold only frame in the mask; they are
-            // skipped without touching the image.
-            const int ya = s.y - s.dir;
-            if (static_cast<unsigned>(ya) < static_cast<unsigned>(h))
-                grad_scan<Ops, kEight>(row_at(image, step, ya), pending.row(ya), cur, ya, lo, hi, w, s, s.dir, range,
-                                       stack, pending);
-            const int yb = s.y + s.dir;
-            if (static_cast<unsigned>(yb) < static_cast<unsigned>(h)) {
-                const T* n = row_at(image, step, yb);
-                uint8_t* m = pending.row(yb);
-                grad_scan<Ops, kEight>(n, m, cur, yb, lo, s.prev_left - 1, w, s, -s.dir, range, stack, pending);
-                grad_scan<Ops, kEight>(n, m, cur, yb, s.prev_right + 1, hi, w, s, -s.dir, range, stack, pending);
-            }
-            Ops::write(cur + s.left, s.right - s.left + 1, job.new_value);
-            box.area += s.right - s.left + 1;
+    int64_t area = 0;
+    const T fill = job.new_value;
+    const auto visit = [&stack, &pending, &area, image, step, w, h, range, fill](const Segment& s, int lo, int hi) {
+        T* cur = row_at(image, step, s.y);
+        // Rows outside the image hold only frame in the mask; they are
+        // skipped without touching the image.
+        const int ya = s.y - s.dir;
+        if (static_cast<unsigned>(ya) < static_cast<unsigned>(h))
+            grad_scan<Ops, kEight>(row_at(image, step, ya), pending.row(ya), cur, ya, lo, hi, w, s, s.dir, range,
+                                   stack, pending);
+        const int yb = s.y + s.dir;
+        if (static_cast<unsigned>(yb) < static_cast<unsigned>(h)) {
+            const T* n = row_at(image, step, yb);
+            uint8_t* m = pending.row(yb);
+            grad_scan<Ops, kEight>(n, m, cur, yb, lo, s.prev_left - 1, w, s, -s.dir, range, stack, pending);
+            grad_scan<Ops, kEight>(n, m, cur, yb, s.prev_right + 1, hi, w, s, -s.dir, range, stack, pending);
         }
-        if (!pending.any()) break;
-        pending.collect(stack);
-        ++collections;
-    }
-    job.result = FillResult{box.area, box.min_x, box.min_y, box.max_x, box.max_y, collections};
+        Ops::write(cur + s.left, s.right - s.left + 1, fill);
+        area += s.right - s.left + 1;
+    };
+    const int collections = drain<kEight>(stack, pending, box, w, visit);
+    job.result = FillResult{area, box.min_x, box.min_y, box.max_x, box.max_y, collections};
 }
 
 // The table of one set of run primitives, filled by name.

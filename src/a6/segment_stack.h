@@ -216,9 +216,8 @@ private:
     PendingRows rows_;
 };
 
-// Bounding box and area of the filled pixels.
+// Bounding box of the filled pixels.
 struct RegionBox {
-    int64_t area = 0;
     int min_x = INT_MAX, min_y = INT_MAX, max_x = INT_MIN, max_y = INT_MIN;
 
     void add(const Segment& s) {
