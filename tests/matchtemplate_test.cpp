@@ -3,11 +3,14 @@
 // templates, and every path against the scalar twin.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
 #include <vector>
 
+#include "matchtemplate_list.h"
 #include "orucv.h"
 #include "support/image.h"
 #include "support/simd.h"
@@ -16,62 +19,62 @@ using namespace orutest;
 
 namespace {
 
-enum Method { SqDiff, SqDiffNormed, Corr, CorrNormed, Coeff, CoeffNormed, kMethods };
-const char* const kNames[kMethods] = {"SqDiff", "SqDiffNormed", "Corr", "CorrNormed", "Coeff", "CoeffNormed"};
+// The methods and their size queries, in the order of the list's queries.
+#define METHOD_BufSize(name, method) method,
+#define METHOD_Match(name, method)
+#define METHOD(name, shape, T, method) METHOD_##shape(name, method)
+enum Method { ORUCV_MATCHTEMPLATE_FUNCTIONS(METHOD) kMethods };
+#define NAME_BufSize(name, method) #method,
+#define NAME_Match(name, method)
+#define NAME(name, shape, T, method) NAME_##shape(name, method)
+const char* const kNames[kMethods] = {ORUCV_MATCHTEMPLATE_FUNCTIONS(NAME)};
 
 using SizeFn = OruStatus (*)(OruSize, OruSize, int, int*);
-const SizeFn kSize[kMethods] = {oruiMatchTemplateGetBufSize_SqDiff, oruiMatchTemplateGetBufSize_SqDiffNormed,
-                                oruiMatchTemplateGetBufSize_Corr,   oruiMatchTemplateGetBufSize_CorrNormed,
-                                oruiMatchTemplateGetBufSize_Coeff,  oruiMatchTemplateGetBufSize_CoeffNormed};
+#define SIZE_FN_BufSize(name) name,
+#define SIZE_FN_Match(name)
+#define SIZE_FN(name, shape, T, method) SIZE_FN_##shape(name)
+const SizeFn kSize[kMethods] = {ORUCV_MATCHTEMPLATE_FUNCTIONS(SIZE_FN)};
 
 template <class T>
 using MatchFn = OruStatus (*)(const T*, int, OruSize, const T*, int, OruSize, Oru32f*, int, Oru8u*);
 
 template <class T>
-struct Api;
-template <>
-struct Api<Oru8u> {
-    static constexpr int type = oruDataType8u;
-    static constexpr MatchFn<Oru8u> fn[kMethods] = {
-        oruiMatchTemplate_SqDiff_8u32f_C1R, oruiMatchTemplate_SqDiffNormed_8u32f_C1R,
-        oruiMatchTemplate_Corr_8u32f_C1R,   oruiMatchTemplate_CorrNormed_8u32f_C1R,
-        oruiMatchTemplate_Coeff_8u32f_C1R,  oruiMatchTemplate_CoeffNormed_8u32f_C1R};
-};
-template <>
-struct Api<Oru8s> {
-    static constexpr int type = oruDataType8s;
-    static constexpr MatchFn<Oru8s> fn[kMethods] = {
-        oruiMatchTemplate_SqDiff_8s32f_C1R, oruiMatchTemplate_SqDiffNormed_8s32f_C1R,
-        oruiMatchTemplate_Corr_8s32f_C1R,   oruiMatchTemplate_CorrNormed_8s32f_C1R,
-        oruiMatchTemplate_Coeff_8s32f_C1R,  oruiMatchTemplate_CoeffNormed_8s32f_C1R};
-};
-template <>
-struct Api<Oru32f> {
-    static constexpr int type = oruDataType32f;
-    static constexpr MatchFn<Oru32f> fn[kMethods] = {
-        oruiMatchTemplate_SqDiff_32f_C1R, oruiMatchTemplate_SqDiffNormed_32f_C1R,
-        oruiMatchTemplate_Corr_32f_C1R,   oruiMatchTemplate_CorrNormed_32f_C1R,
-        oruiMatchTemplate_Coeff_32f_C1R,  oruiMatchTemplate_CoeffNormed_32f_C1R};
-};
+constexpr int type_code() {
+    return std::is_same<T, Oru8u>::value ? oruDataType8u : std::is_same<T, Oru8s>::value ? oruDataType8s : oruDataType32f;
+}
+
+// The match functions of the list on one pixel type, by method.
+template <class Pixel, class T, auto F>
+void set_match(MatchFn<Pixel>& slot) {
+    if constexpr (std::is_same<T, Pixel>::value) slot = F;
+}
+#define MATCH_FN_BufSize(name, T, method)
+#define MATCH_FN_Match(name, T, method) set_match<Pixel, T, name>(fns[method]);
+#define MATCH_FN(name, shape, T, method) MATCH_FN_##shape(name, T, method)
+template <class Pixel>
+std::array<MatchFn<Pixel>, kMethods> match_fns() {
+    std::array<MatchFn<Pixel>, kMethods> fns{};
+    ORUCV_MATCHTEMPLATE_FUNCTIONS(MATCH_FN)
+    for (int m = 0; m < kMethods; ++m) EXPECT_TRUE(fns[m]) << kNames[m] << " has no function of this type";
+    return fns;
+}
+template <class T>
+MatchFn<T> match_fn(int method) {
+    static const std::array<MatchFn<T>, kMethods> fns = match_fns<T>();
+    return fns[method];
+}
 
 // Caller scratch of exactly the reported size, starting `misalign` bytes
-// after a 64-byte boundary, between guard bytes.
+// after a 64-byte boundary and ending against an inaccessible page.
 class Scratch {
 public:
-    Scratch(int size, int misalign) : size_(size), bytes_(static_cast<size_t>(size) + 192, kGuardByte) {
-        const uintptr_t base = reinterpret_cast<uintptr_t>(bytes_.data()) + 64;
-        offset_ = ((base + 63) & ~uintptr_t(63)) + misalign - reinterpret_cast<uintptr_t>(bytes_.data());
-    }
-    Oru8u* data() { return bytes_.data() + offset_; }
-    bool guards_intact() const {
-        for (size_t i = 0; i < bytes_.size(); ++i)
-            if ((i < offset_ || i >= offset_ + size_) && bytes_[i] != kGuardByte) return false;
-        return true;
-    }
+    Scratch(int size, int misalign) : bytes_(size, 1, 1, 0, gap(size, misalign)) {}
+    Oru8u* data() { return bytes_.data(); }
+    bool guards_intact() const { return bytes_.guards_intact(); }
 
 private:
-    size_t size_, offset_;
-    std::vector<uint8_t> bytes_;
+    static int gap(int size, int misalign) { return ((-size - misalign) % 64 + 64) % 64; }
+    GuardedImage<uint8_t> bytes_;
 };
 
 int buffer_size(int method, OruSize src, OruSize tpl, int type) {
@@ -87,9 +90,9 @@ std::vector<float> run_match(int method, const GuardedImage<T>& src, const Guard
                              int dst_pad = 12) {
     const OruSize ss{src.width(), src.height()}, ts{tpl.width(), tpl.height()};
     const int w = ss.width - ts.width + 1, h = ss.height - ts.height + 1;
-    Scratch scratch(buffer_size(method, ss, ts, Api<T>::type), misalign);
+    Scratch scratch(buffer_size(method, ss, ts, type_code<T>()), misalign);
     GuardedImage<Oru32f> dst(w, h, 1, dst_pad, 0);
-    EXPECT_EQ(Api<T>::fn[method](src.data(), src.step(), ss, tpl.data(), tpl.step(), ts, dst.data(), dst.step(),
+    EXPECT_EQ(match_fn<T>(method)(src.data(), src.step(), ss, tpl.data(), tpl.step(), ts, dst.data(), dst.step(),
                                  scratch.data()),
               oruStsOk)
         << kNames[method];

@@ -1,6 +1,7 @@
-// Kernels of template matching.
+// Template matching: the kernel table, the engine the wrappers call, and
+// the scalar twins of the kernels.
 //
-// The matcher re-lays the source into a strip whose row pitch is the
+// The engine re-lays the source into a strip whose row pitch is the
 // template width, so that every template-sized block of a destination column
 // is one contiguous run of N = width * height elements starting `width`
 // elements after the previous one. The kernels here work on such runs:
@@ -21,13 +22,19 @@
 // the same bits.
 //
 // The scalar twins are static inline so that every translation unit (each
-// compiled for its own instruction set) keeps its own copy for tails.
+// compiled for its own instruction set) keeps its own copy for tails; the
+// vector kernels are in matchtemplate_simd.h.
 #pragma once
 
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <type_traits>
+#include <utility>
+
+#include "matchtemplate_list.h"
+#include "orucv.h"
 
 namespace orucv {
 namespace a6 {
@@ -42,7 +49,14 @@ struct MatchAcc<float> {
     using type = double;
 };
 
-enum MatchMethod { kSqDiff, kSqDiffNormed, kCorr, kCorrNormed, kCoeff, kCoeffNormed, kMatchMethods };
+// The methods, k<Method> in the order of the list's size queries.
+#define ORUCV_MATCH_METHOD_BufSize(method) k##method,
+#define ORUCV_MATCH_METHOD_Match(method)
+#define ORUCV_MATCH_METHOD(name, shape, T, method) ORUCV_MATCH_METHOD_##shape(method)
+enum MatchMethod { ORUCV_MATCHTEMPLATE_FUNCTIONS(ORUCV_MATCH_METHOD) kMatchMethods };
+#undef ORUCV_MATCH_METHOD
+#undef ORUCV_MATCH_METHOD_Match
+#undef ORUCV_MATCH_METHOD_BufSize
 
 namespace {  // internal linkage: instruction-set files include this header
 constexpr bool method_coeff(int m) { return m == kCoeff || m == kCoeffNormed; }
@@ -101,7 +115,7 @@ struct BlockKernels {
     Acc (*corr)(const T* a, const T* b, int n);
     // Indexed by MatchMethod.
     ColumnScores<T> column_scores[kMatchMethods];
-    // Indexed by (row sums used) + 2 * (row sums of squares used).
+    // Indexed by sums_index(row sums used, row sums of squares used).
     Advance<T> advance[4];
     // Byte images only (null for floats); indexed as advance.
     GroupSums<T> group_sums[4];
@@ -113,33 +127,70 @@ struct MatchKernels {
     BlockKernels<float> f32;
 };
 
-// The six column kernels of one pixel type, in method order.
-#define ORUCV_MATCH_COLUMNS(fn, T)                                                                    \
-    {                                                                                                 \
-        fn<T, ::orucv::a6::kSqDiff>, fn<T, ::orucv::a6::kSqDiffNormed>, fn<T, ::orucv::a6::kCorr>,    \
-            fn<T, ::orucv::a6::kCorrNormed>, fn<T, ::orucv::a6::kCoeff>, fn<T, ::orucv::a6::kCoeffNormed> \
-    }
-
-// The four strip advances of one pixel type.
-#define ORUCV_MATCH_ADVANCES(fn, T) \
-    { fn<T, false, false>, fn<T, true, false>, fn<T, false, true>, fn<T, true, true> }
-
-#define ORUCV_MATCH_GROUP_SUMS(fn, T) \
-    { fn<T, false, false>, fn<T, true, false>, fn<T, false, true>, fn<T, true, true> }
-
 extern const MatchKernels match_kernels_scalar;
 extern const MatchKernels match_kernels_sse2;
 extern const MatchKernels match_kernels_avx2;
 const MatchKernels& match_kernels();
 
+// Engine; arguments checked by the wrappers. The scratch size of a method
+// for a source and template of element size 1 or 4 (the template no larger
+// than the source), or -1 where it would not fit an int.
+int64_t match_buffer_bytes(MatchMethod m, OruSize src, OruSize tpl, int element);
+// The scores into dst, with the caller's scratch of match_buffer_bytes;
+// oruStsSize where that size would not fit an int.
 template <class T>
-inline const BlockKernels<T>& block_kernels(const MatchKernels& k);
-template <>
-inline const BlockKernels<uint8_t>& block_kernels<uint8_t>(const MatchKernels& k) { return k.u8; }
-template <>
-inline const BlockKernels<int8_t>& block_kernels<int8_t>(const MatchKernels& k) { return k.s8; }
-template <>
-inline const BlockKernels<float>& block_kernels<float>(const MatchKernels& k) { return k.f32; }
+OruStatus match_template(MatchMethod m, const T* src, int srcStep, OruSize src_size, const T* tpl, int tplStep,
+                         OruSize tpl_size, float* dst, int dstStep, uint8_t* buffer);
+
+namespace {  // internal linkage: instruction-set files include this header
+
+constexpr int sums_index(bool sum, bool sum_sq) { return int(sum) + 2 * int(sum_sq); }
+
+template <class T>
+inline const BlockKernels<T>& block_kernels(const MatchKernels& k) {
+    if constexpr (sizeof(T) == 4) return k.f32;
+    else if constexpr (std::is_signed<T>::value) return k.s8;
+    else return k.u8;
+}
+
+// A table of one pixel type filled by name from a kernel set K with the
+// static member templates sum<T>, sqdiff<T>, corr<T>, column_scores<T, M>,
+// advance<T, kSum, kSq> and (byte images) group_sums<T, kSum, kSq>.
+template <class T, class K, int... M>
+constexpr void fill_columns(BlockKernels<T>& k, std::integer_sequence<int, M...>) {
+    ((k.column_scores[M] = K::template column_scores<T, M>), ...);
+}
+
+template <class T, class K, bool kSum, bool kSq>
+constexpr void fill_sums(BlockKernels<T>& k) {
+    k.advance[sums_index(kSum, kSq)] = K::template advance<T, kSum, kSq>;
+    if constexpr (sizeof(T) == 1) k.group_sums[sums_index(kSum, kSq)] = K::template group_sums<T, kSum, kSq>;
+}
+
+template <class T, class K>
+constexpr BlockKernels<T> block_table() {
+    BlockKernels<T> k{};
+    k.sum = K::template sum<T>;
+    k.sqdiff = K::template sqdiff<T>;
+    k.corr = K::template corr<T>;
+    fill_columns<T, K>(k, std::make_integer_sequence<int, kMatchMethods>());
+    fill_sums<T, K, false, false>(k);
+    fill_sums<T, K, true, false>(k);
+    fill_sums<T, K, false, true>(k);
+    fill_sums<T, K, true, true>(k);
+    return k;
+}
+
+template <class K>
+constexpr MatchKernels match_table() {
+    MatchKernels t{};
+    t.u8 = block_table<uint8_t, K>();
+    t.s8 = block_table<int8_t, K>();
+    t.f32 = block_table<float, K>();
+    return t;
+}
+
+}  // namespace
 
 namespace scalar {
 namespace {  // internal linkage: instruction-set files include this header
@@ -340,6 +391,9 @@ static inline double sum_32f(const float* p, int n) { return lanes_sum<SumTerm>(
 static inline double sqdiff_32f(const float* a, const float* b, int n) { return lanes_sum<SqDiffTerm>(a, b, n); }
 static inline double corr_32f(const float* a, const float* b, int n) { return lanes_sum<CorrTerm>(a, b, n); }
 
+static inline int64_t sum_run(const uint8_t* p, int n) { return sum_bytes(p, n); }
+static inline int64_t sum_run(const int8_t* p, int n) { return sum_bytes(p, n); }
+static inline double sum_run(const float* p, int n) { return sum_32f(p, n); }
 static inline int64_t sqdiff_run(const uint8_t* a, const uint8_t* b, int n) { return sqdiff_bytes(a, b, n); }
 static inline int64_t sqdiff_run(const int8_t* a, const int8_t* b, int n) { return sqdiff_bytes(a, b, n); }
 static inline double sqdiff_run(const float* a, const float* b, int n) { return sqdiff_32f(a, b, n); }
@@ -359,6 +413,41 @@ static inline void column_scores(const T* runs, int width, int height, int count
         out[static_cast<ptrdiff_t>(y) * out_step] = score_at<M>(to_double(block), sum, sum_sq, y, c);
     }
 }
+
+// The twins as a kernel set (see block_table).
+struct ScalarKernels {
+    template <class T>
+    static typename MatchAcc<T>::type sum(const T* p, int n) {
+        return sum_run(p, n);
+    }
+    template <class T>
+    static typename MatchAcc<T>::type sqdiff(const T* a, const T* b, int n) {
+        return sqdiff_run(a, b, n);
+    }
+    template <class T>
+    static typename MatchAcc<T>::type corr(const T* a, const T* b, int n) {
+        return corr_run(a, b, n);
+    }
+    template <class T, int M>
+    static void column_scores(const T* runs, int width, int height, int count, const T* tpl,
+                              const typename MatchAcc<T>::type* sum, const typename MatchAcc<T>::type* sum_sq,
+                              const ScoreConstants& c, float* out, int out_step) {
+        scalar::column_scores<T, M>(runs, width, height, count, tpl, sum, sum_sq, c, out, out_step);
+    }
+    template <class T, bool kSum, bool kSq>
+    static void advance(T* view, const T* src_col, int src_step, int rows, int width, int height,
+                        typename MatchAcc<T>::type* row_sum, typename MatchAcc<T>::type* row_sq,
+                        typename MatchAcc<T>::type* patch_sum, typename MatchAcc<T>::type* patch_sq) {
+        scalar::advance<T, kSum, kSq>(view, src_col, src_step, rows, width, height, row_sum, row_sq, patch_sum,
+                                      patch_sq);
+    }
+    template <class T, bool kSum, bool kSq>
+    static void group_sums(const T* src, int src_step, int rows, int width, int height, int x0, int ncols,
+                           int32_t* row_sum8, int32_t* row_sq8, int64_t* patch_sum, int64_t* patch_sq) {
+        scalar::group_sums<T, kSum, kSq>(src, src_step, rows, width, height, x0, ncols, row_sum8, row_sq8,
+                                         patch_sum, patch_sq);
+    }
+};
 
 }  // namespace
 }  // namespace scalar

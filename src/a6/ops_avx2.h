@@ -9,6 +9,7 @@
 
 #include <immintrin.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -203,6 +204,85 @@ struct Avx2 {
     static F orf(F a, F b) { return _mm256_or_ps(a, b); }
     static F xorf(F a, F b) { return _mm256_xor_ps(a, b); }
     static F cmpgtf(F a, F b) { return _mm256_cmp_ps(a, b, _CMP_GT_OQ); }
+
+    // ---- Template matching: 16-byte pieces, 64-bit lanes, lane prefix sums
+    // and transposes, 32-bit products, and doubles (D, kDoubles lanes)
+    static I load16(const void* p) { return load_half(p); }
+    static I load8x2(const void* a, const void* b) {
+        return _mm256_zextsi128_si256(_mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(a)),
+                                                         _mm_loadl_epi64(static_cast<const __m128i*>(b))));
+    }
+    static I load_widen4_s8(const int8_t* p) {
+        return _mm256_cvtepi8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+    }
+    static void widen_s32(I x, I& lo, I& hi) {
+        lo = _mm256_cvtepi32_epi64(low(x));
+        hi = _mm256_cvtepi32_epi64(high(x));
+    }
+    static I set64(int64_t v) { return _mm256_set1_epi64x(v); }
+    static I set64_lanes(const int64_t* v) { return _mm256_setr_epi64x(v[0], v[1], v[2], v[3]); }
+    static I sub64(I a, I b) { return _mm256_sub_epi64(a, b); }
+    static I mullo32(I a, I b) { return _mm256_mullo_epi32(a, b); }
+    static I prefix_add32(I x) {
+        x = add32(x, _mm256_slli_si256(x, 4));
+        x = add32(x, _mm256_slli_si256(x, 8));
+        const I low_total = _mm256_permutevar8x32_epi32(x, _mm256_set1_epi32(3));
+        return add32(x, _mm256_blend_epi32(_mm256_setzero_si256(), low_total, 0xF0));
+    }
+    static I prefix_add64(I x) {
+        const I zero = _mm256_setzero_si256();
+        x = add64(x, _mm256_blend_epi32(_mm256_permute4x64_epi64(x, _MM_SHUFFLE(2, 1, 0, 0)), zero, 0x03));
+        return add64(x, _mm256_blend_epi32(_mm256_permute4x64_epi64(x, _MM_SHUFFLE(1, 0, 0, 0)), zero, 0x0F));
+    }
+    static I broadcast_last64(I x) { return _mm256_permute4x64_epi64(x, _MM_SHUFFLE(3, 3, 3, 3)); }
+    static void transpose32(I* v) {
+        I t[8], u[8];
+        for (int r = 0; r < 8; r += 2) {
+            t[r] = _mm256_unpacklo_epi32(v[r], v[r + 1]);
+            t[r + 1] = _mm256_unpackhi_epi32(v[r], v[r + 1]);
+        }
+        for (int r = 0; r < 8; r += 4) {
+            u[r] = _mm256_unpacklo_epi64(t[r], t[r + 2]);
+            u[r + 1] = _mm256_unpackhi_epi64(t[r], t[r + 2]);
+            u[r + 2] = _mm256_unpacklo_epi64(t[r + 1], t[r + 3]);
+            u[r + 3] = _mm256_unpackhi_epi64(t[r + 1], t[r + 3]);
+        }
+        for (int k = 0; k < 4; ++k) {
+            v[k] = _mm256_permute2x128_si256(u[k], u[k + 4], 0x20);
+            v[k + 4] = _mm256_permute2x128_si256(u[k], u[k + 4], 0x31);
+        }
+    }
+    // Pairwise sums within each 128-bit half, then the two halves.
+    static void totals32x4(I a0, I a1, I a2, I a3, double* out) {
+        const I h = _mm256_hadd_epi32(_mm256_hadd_epi32(a0, a1), _mm256_hadd_epi32(a2, a3));
+        _mm256_storeu_pd(out, _mm256_cvtepi32_pd(_mm_add_epi32(low(h), high(h))));
+    }
+
+    using D = __m256d;
+    static constexpr int kDoubles = 4;
+    static D loadd(const double* p) { return _mm256_loadu_pd(p); }
+    static void stored(double* p, D v) { _mm256_storeu_pd(p, v); }
+    static D setd(double v) { return _mm256_set1_pd(v); }
+    static D zerod() { return _mm256_setzero_pd(); }
+    static D addd(D a, D b) { return _mm256_add_pd(a, b); }
+    static D subd(D a, D b) { return _mm256_sub_pd(a, b); }
+    static D muld(D a, D b) { return _mm256_mul_pd(a, b); }
+    static D absd(D v) { return _mm256_andnot_pd(_mm256_set1_pd(-0.0), v); }
+    static D castd(I v) { return _mm256_castsi256_pd(v); }
+    static D load_widen_f(const float* p) { return _mm256_cvtps_pd(_mm_loadu_ps(p)); }
+    static D widen_lo_f(F v) { return _mm256_cvtps_pd(_mm256_castps256_ps128(v)); }
+    static F narrow_d(D v) { return _mm256_zextps128_ps256(_mm256_cvtpd_ps(v)); }
+    static void storef_strided(float* p, ptrdiff_t step, F v) {
+        const __m128 f = _mm256_castps256_ps128(v);
+        _mm_store_ss(p, f);
+        _mm_store_ss(p + step, _mm_shuffle_ps(f, f, 1));
+        _mm_store_ss(p + 2 * step, _mm_shuffle_ps(f, f, 2));
+        _mm_store_ss(p + 3 * step, _mm_shuffle_ps(f, f, 3));
+    }
+    static double reduce_addd(D v) {
+        const __m128d w = _mm_add_pd(_mm256_castpd256_pd128(v), _mm256_extractf128_pd(v, 1));
+        return _mm_cvtsd_f64(_mm_add_sd(w, _mm_unpackhi_pd(w, w)));
+    }
 };
 
 }  // namespace

@@ -20,6 +20,7 @@
 
 #include <emmintrin.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -209,6 +210,86 @@ struct Sse2 {
     static F orf(F a, F b) { return _mm_or_ps(a, b); }
     static F xorf(F a, F b) { return _mm_xor_ps(a, b); }
     static F cmpgtf(F a, F b) { return _mm_cmpgt_ps(a, b); }
+
+    // ---- Template matching: 16-byte pieces, 64-bit lanes, lane prefix sums
+    // and transposes, 32-bit products, and doubles (D, kDoubles lanes)
+    // 16 bytes into the low 16 bytes (the rest zero), and 8 + 8 bytes so.
+    static I load16(const void* p) { return load(p); }
+    static I load8x2(const void* a, const void* b) {
+        return _mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(a)),
+                                  _mm_loadl_epi64(static_cast<const __m128i*>(b)));
+    }
+    // kFloats signed bytes from memory into 32-bit lanes.
+    static I load_widen4_s8(const int8_t* p) {
+        int32_t v;
+        std::memcpy(&v, p, 4);
+        const I x = _mm_unpacklo_epi8(_mm_cvtsi32_si128(v), _mm_cvtsi32_si128(v));
+        return _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 24);
+    }
+    static void widen_s32(I x, I& lo, I& hi) {
+        const I sign = _mm_srai_epi32(x, 31);
+        lo = _mm_unpacklo_epi32(x, sign);
+        hi = _mm_unpackhi_epi32(x, sign);
+    }
+    static I set64(int64_t v) { return _mm_set1_epi64x(v); }
+    // kBytes / 8 values in lane order.
+    static I set64_lanes(const int64_t* v) { return _mm_set_epi64x(v[1], v[0]); }
+    static I sub64(I a, I b) { return _mm_sub_epi64(a, b); }
+    // The low 32 bits of the products.
+    static I mullo32(I a, I b) {
+        const I even = _mm_mul_epu32(a, b), odd = _mm_mul_epu32(_mm_srli_epi64(a, 32), _mm_srli_epi64(b, 32));
+        return _mm_unpacklo_epi32(_mm_shuffle_epi32(even, _MM_SHUFFLE(0, 0, 2, 0)),
+                                  _mm_shuffle_epi32(odd, _MM_SHUFFLE(0, 0, 2, 0)));
+    }
+    // Inclusive prefix sums across the lanes, in lane order.
+    static I prefix_add32(I x) {
+        x = add32(x, _mm_slli_si128(x, 4));
+        return add32(x, _mm_slli_si128(x, 8));
+    }
+    static I prefix_add64(I x) { return add64(x, _mm_slli_si128(x, 8)); }
+    static I broadcast_last64(I x) { return _mm_unpackhi_epi64(x, x); }
+    // kFloats vectors of 32-bit lanes: lane k of v[r] becomes lane r of v[k].
+    static void transpose32(I* v) {
+        const I t0 = _mm_unpacklo_epi32(v[0], v[1]), t1 = _mm_unpackhi_epi32(v[0], v[1]);
+        const I t2 = _mm_unpacklo_epi32(v[2], v[3]), t3 = _mm_unpackhi_epi32(v[2], v[3]);
+        v[0] = _mm_unpacklo_epi64(t0, t2), v[1] = _mm_unpackhi_epi64(t0, t2);
+        v[2] = _mm_unpacklo_epi64(t1, t3), v[3] = _mm_unpackhi_epi64(t1, t3);
+    }
+    // The totals of the 32-bit lanes of four vectors, as doubles: total k
+    // (of ak) in out[k].
+    static void totals32x4(I a0, I a1, I a2, I a3, double* out) {
+        const I t01 = add32(_mm_unpacklo_epi32(a0, a1), _mm_unpackhi_epi32(a0, a1));
+        const I t23 = add32(_mm_unpacklo_epi32(a2, a3), _mm_unpackhi_epi32(a2, a3));
+        const I t = add32(_mm_unpacklo_epi64(t01, t23), _mm_unpackhi_epi64(t01, t23));
+        _mm_storeu_pd(out, _mm_cvtepi32_pd(t));
+        _mm_storeu_pd(out + 2, _mm_cvtepi32_pd(_mm_unpackhi_epi64(t, t)));
+    }
+
+    using D = __m128d;
+    static constexpr int kDoubles = 2;
+    static D loadd(const double* p) { return _mm_loadu_pd(p); }
+    static void stored(double* p, D v) { _mm_storeu_pd(p, v); }
+    static D setd(double v) { return _mm_set1_pd(v); }
+    static D zerod() { return _mm_setzero_pd(); }
+    static D addd(D a, D b) { return _mm_add_pd(a, b); }
+    static D subd(D a, D b) { return _mm_sub_pd(a, b); }
+    static D muld(D a, D b) { return _mm_mul_pd(a, b); }
+    static D absd(D v) { return _mm_andnot_pd(_mm_set1_pd(-0.0), v); }
+    static D castd(I v) { return _mm_castsi128_pd(v); }
+    // kDoubles floats from memory as doubles; the low kDoubles floats of v
+    // as doubles; doubles rounded to floats in the low lanes (the rest zero).
+    static D load_widen_f(const float* p) {
+        return _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+    }
+    static D widen_lo_f(F v) { return _mm_cvtps_pd(v); }
+    static F narrow_d(D v) { return _mm_cvtpd_ps(v); }
+    // The low kDoubles floats of v to p[0], p[step], ... (step in floats).
+    static void storef_strided(float* p, ptrdiff_t step, F v) {
+        _mm_store_ss(p, v);
+        _mm_store_ss(p + step, _mm_shuffle_ps(v, v, 1));
+    }
+    // Halves folded (core/lanes.h).
+    static double reduce_addd(D v) { return _mm_cvtsd_f64(_mm_add_sd(v, _mm_unpackhi_pd(v, v))); }
 };
 
 }  // namespace

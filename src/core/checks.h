@@ -137,4 +137,33 @@ inline OruStatus check_fill_size(OruSize roi, const void* size) {
     return oruStsOk;
 }
 
+// Template matching: the pointers; the template width, then the other
+// sizes; each step against its row (template, source, destination); then
+// the alignment of float steps and of the destination step, reported as
+// short steps are. element is 1 for 8-bit images, 4 for float ones.
+inline OruStatus check_match_template(const void* src, int srcStep, OruSize src_size, const void* tpl, int tplStep,
+                                      OruSize tpl_size, const void* dst, int dstStep, const void* buffer,
+                                      int element) {
+    if (any_null({src, tpl, dst, buffer})) return oruStsNullPointer;
+    if (tpl_size.width < 1) return oruStsSize;
+    if (tpl_size.height < 1 || src_size.width < tpl_size.width || src_size.height < tpl_size.height) return oruStsSize;
+    if (tplStep < row_bytes(tpl_size.width, element)) return oruStsStep;
+    if (srcStep < row_bytes(src_size.width, element)) return oruStsStep;
+    if (dstStep < row_bytes(src_size.width - tpl_size.width + 1, 4)) return oruStsStep;
+    if ((element == 4 && (tplStep % 4 != 0 || srcStep % 4 != 0)) || dstStep % 4 != 0) return oruStsStep;
+    return oruStsOk;
+}
+
+// The template-matching size queries: the output, which is then cleared;
+// the sizes; the data type (8u, 8s or 32f).
+inline OruStatus check_match_buffer_size(OruSize src_size, OruSize tpl_size, int dataType, int* size) {
+    if (!size) return oruStsNullPointer;
+    *size = 0;
+    if (tpl_size.width <= 0 || tpl_size.height <= 0 || tpl_size.width > src_size.width ||
+        tpl_size.height > src_size.height)
+        return oruStsSize;
+    if (dataType != oruDataType8u && dataType != oruDataType8s && dataType != oruDataType32f) return oruStsDataType;
+    return oruStsOk;
+}
+
 }  // namespace orucv
