@@ -12,6 +12,7 @@
 
 #include "a6/pyr.h"
 #include "orucv.h"
+#include "pyramid_list.h"
 #include "support/image.h"
 #include "support/simd.h"
 
@@ -34,22 +35,29 @@ constexpr int type_code() {
     return std::is_same<T, Oru8u>::value ? oruDataType8u : std::is_same<T, Oru8s>::value ? oruDataType8s : oruDataType32f;
 }
 
+// The filters of the list on one pixel type.
+template <class Pixel, class T, int kChannels, bool kDown, auto F>
+void add_filter(std::vector<Filter<Pixel>>& filters) {
+    if constexpr (std::is_same<T, Pixel>::value) filters.push_back({F, kChannels, kDown});
+}
+#define FILTER_Down(name, T, CH) add_filter<Pixel, T, CH, true, name>(all);
+#define FILTER_Up(name, T, CH) add_filter<Pixel, T, CH, false, name>(all);
+#define FILTER_DownSize(name, T, CH)
+#define FILTER_UpSize(name, T, CH)
+#define FILTER(name, shape, T, CH) FILTER_##shape(name, T, CH)
+template <class Pixel>
+std::vector<Filter<Pixel>> filters() {
+    std::vector<Filter<Pixel>> all;
+    ORUCV_PYRAMID_FUNCTIONS(FILTER)
+    EXPECT_EQ(all.size(), 4u) << "filters of one type: down and up, one and three channels";
+    return all;
+}
 template <class T>
-std::vector<Filter<T>> filters();
-template <>
-std::vector<Filter<Oru8u>> filters() {
-    return {{oruiPyrDown_Gauss5x5_8u_C1R, 1, true}, {oruiPyrDown_Gauss5x5_8u_C3R, 3, true},
-            {oruiPyrUp_Gauss5x5_8u_C1R, 1, false},  {oruiPyrUp_Gauss5x5_8u_C3R, 3, false}};
-}
-template <>
-std::vector<Filter<Oru8s>> filters() {
-    return {{oruiPyrDown_Gauss5x5_8s_C1R, 1, true}, {oruiPyrDown_Gauss5x5_8s_C3R, 3, true},
-            {oruiPyrUp_Gauss5x5_8s_C1R, 1, false},  {oruiPyrUp_Gauss5x5_8s_C3R, 3, false}};
-}
-template <>
-std::vector<Filter<Oru32f>> filters() {
-    return {{oruiPyrDown_Gauss5x5_32f_C1R, 1, true}, {oruiPyrDown_Gauss5x5_32f_C3R, 3, true},
-            {oruiPyrUp_Gauss5x5_32f_C1R, 1, false},  {oruiPyrUp_Gauss5x5_32f_C3R, 3, false}};
+Filter<T> filter(bool down, int ch) {
+    for (const Filter<T>& f : filters<T>())
+        if (f.down == down && f.ch == ch) return f;
+    ADD_FAILURE() << "no such filter in the list";
+    return filters<T>()[0];
 }
 
 int buffer_size(bool down, int width, int type, int ch) {
@@ -309,8 +317,8 @@ TEST(PyramidValues, TwoByTwoDownIsRoundedMean) {
         GuardedImage<Oru8s> ssrc(2, 2), sdst(1, 1);
         for (int i = 0; i < 4; ++i) src.at(i % 2, i / 2) = static_cast<Oru8u>(q[i]);
         for (int i = 0; i < 4; ++i) ssrc.at(i % 2, i / 2) = static_cast<Oru8s>(q[i] - 128);
-        run(filters<Oru8u>()[0], src, dst);
-        run(filters<Oru8s>()[0], ssrc, sdst);
+        run(filter<Oru8u>(true, 1), src, dst);
+        run(filter<Oru8s>(true, 1), ssrc, sdst);
         const int sum = q[0] + q[1] + q[2] + q[3];
         EXPECT_EQ(dst.at(0, 0), (64 * sum + 128) >> 8);
         EXPECT_EQ(sdst.at(0, 0), floor_div(64 * (sum - 512) + 128, 256));  // half rounds up: -0.5 -> 0
@@ -387,12 +395,12 @@ TEST(PyramidValues, FirstEdgeIsTwiceTheHalfSum) {
         GuardedImage<float> a(4, 2), a_dst(2, 1);
         const float row[4] = {0.0f, 5e37f, -4e37f, 0.0f};
         for (int x = 0; x < 4; ++x) a.at(x, 0) = row[x], a.at(x, 1) = -row[x];
-        run(filters<Oru32f>()[0], a, a_dst);
+        run(filter<Oru32f>(true, 1), a, a_dst);
         EXPECT_EQ(a_dst.at(0, 0), 0.0f);
         // Across, upwards: 6 * 1e38 overflows, 2 * (3e38 - 2.9e38) does not.
         GuardedImage<float> b(2, 2), b_dst(4, 4);
         b.at(0, 0) = 1e38f, b.at(1, 0) = -2.9e38f, b.at(0, 1) = b.at(1, 1) = 0.0f;
-        run(filters<Oru32f>()[2], b, b_dst);
+        run(filter<Oru32f>(false, 1), b, b_dst);
         EXPECT_FLOAT_EQ(b_dst.at(0, 0), 6 * 2e37f / 64);
         // Down the columns, wide enough for every vector loop: rows of
         // (v, 0) pairs filter to 8v, the top output is
@@ -401,13 +409,13 @@ TEST(PyramidValues, FirstEdgeIsTwiceTheHalfSum) {
         GuardedImage<float> c(80, 4), c_dst(40, 2);
         for (int y = 0; y < 4; ++y)
             for (int x = 0; x < 80; ++x) c.at(x, y) = x % 2 ? 0.0f : col[y];
-        run(filters<Oru32f>()[0], c, c_dst);
+        run(filter<Oru32f>(true, 1), c, c_dst);
         for (int x = 0; x < 40; ++x) EXPECT_FLOAT_EQ(c_dst.at(x, 0), 3.2e38f / 256) << x;
         // Down the columns upwards: constant rows filter to 8v, the top
         // output is 2 * (3e38 - 2.9e38) / 64 while 6 * 1e38 overflows.
         GuardedImage<float> d(20, 2), d_dst(40, 4);
         for (int x = 0; x < 20; ++x) d.at(x, 0) = 1e38f / 8, d.at(x, 1) = -2.9e38f / 8;
-        run(filters<Oru32f>()[2], d, d_dst);
+        run(filter<Oru32f>(false, 1), d, d_dst);
         for (int x = 0; x < 40; ++x) EXPECT_FLOAT_EQ(d_dst.at(x, 0), 2e37f / 64) << x;
         for (const GuardedImage<float>* img : {&a_dst, &b_dst, &c_dst, &d_dst}) {
             const auto bytes = img->region_bytes();
@@ -538,9 +546,9 @@ void check_large(const Filter<T>& f, int width, int height) {
     });
 }
 TEST(PyramidPaths, StreamedImages) {
-    check_large(filters<Oru32f>()[2], 1030, 820);   // PyrUp C1: 3.4 + 13.5 MB
-    check_large(filters<Oru32f>()[1], 1200, 1000);  // PyrDown C3: 14.4 + 3.6 MB
-    check_large(filters<Oru8u>()[3], 1024, 1100);   // PyrUp C3: 3.4 + 13.5 MB
+    check_large(filter<Oru32f>(false, 1), 1030, 820);   // PyrUp C1: 3.4 + 13.5 MB
+    check_large(filter<Oru32f>(true, 3), 1200, 1000);  // PyrDown C3: 14.4 + 3.6 MB
+    check_large(filter<Oru8u>(false, 3), 1024, 1100);   // PyrUp C3: 3.4 + 13.5 MB
 }
 
 // The row engines take the channel count as an argument; anything but 1 or
@@ -549,8 +557,8 @@ TEST(PyramidDeathTest, ChannelCountInvariant) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     Oru8u src[16] = {}, dst[64] = {}, buffer[1024] = {};
     float fsrc[16] = {}, fdst[64] = {};
-    EXPECT_DEATH(orucv::ownPyrUpG5x5_8u(src, 4, dst, 16, {2, 2}, buffer, 2), "src/orcvpyr:.*Cs == 1 \\|\\| Cs == 3");
-    EXPECT_DEATH(orucv::ownPyrDownG5x5_32f(fsrc, 16, fdst, 16, {2, 2}, buffer, 4),
+    EXPECT_DEATH(orucv::a6::ownPyrUpG5x5_8u(src, 4, dst, 16, {2, 2}, buffer, 2), "src/orcvpyr:.*Cs == 1 \\|\\| Cs == 3");
+    EXPECT_DEATH(orucv::a6::ownPyrDownG5x5_32f(fsrc, 16, fdst, 16, {2, 2}, buffer, 4),
                  "src/orcvpyr32f:.*Cs == 1 \\|\\| Cs == 3");
-    EXPECT_DEATH(orucv::ownPyrUpG5x5_32f(fsrc, 16, fdst, 32, {2, 2}, buffer, 0), "src/orcvpyr32f:.*Cs == 1");
+    EXPECT_DEATH(orucv::a6::ownPyrUpG5x5_32f(fsrc, 16, fdst, 32, {2, 2}, buffer, 0), "src/orcvpyr32f:.*Cs == 1");
 }

@@ -283,6 +283,13 @@ struct Avx2 {
         const __m128d w = _mm_add_pd(_mm256_castpd256_pd128(v), _mm256_extractf128_pd(v, 1));
         return _mm_cvtsd_f64(_mm_add_sd(w, _mm_unpackhi_pd(w, w)));
     }
+
+    // ---- Pyramids: saturating narrowing, non-temporal stores, prefetches
+    static I pack_u16_u8(I a, I b) { return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), _MM_SHUFFLE(3, 1, 2, 0)); }
+    static void stream(void* p, I v) { _mm256_stream_si256(static_cast<__m256i*>(p), v); }
+    static void streamf(float* p, F v) { _mm256_stream_ps(p, v); }
+    static void stream_fence() { _mm_sfence(); }
+    static void prefetch_l2(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T1); }
 };
 
 }  // namespace

@@ -290,6 +290,18 @@ struct Sse2 {
     }
     // Halves folded (core/lanes.h).
     static double reduce_addd(D v) { return _mm_cvtsd_f64(_mm_add_sd(v, _mm_unpackhi_pd(v, v))); }
+
+    // ---- Pyramids: saturating narrowing, non-temporal stores, prefetches
+    // Unsigned saturation of the 16-bit lanes of a, then b, to bytes in
+    // element order.
+    static I pack_u16_u8(I a, I b) { return _mm_packus_epi16(a, b); }
+    // Aligned stores that bypass the caches; stream_fence() orders them
+    // before any later store.
+    static void stream(void* p, I v) { _mm_stream_si128(static_cast<__m128i*>(p), v); }
+    static void streamf(float* p, F v) { _mm_stream_ps(p, v); }
+    static void stream_fence() { _mm_sfence(); }
+    // Brings the line at p into the second-level cache.
+    static void prefetch_l2(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T1); }
 };
 
 }  // namespace

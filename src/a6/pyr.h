@@ -1,7 +1,6 @@
-// Gaussian pyramid kernels (5x5, row 1 4 6 4 1): the row kernels of the
-// horizontal and vertical passes, their scalar twins, the ring of filtered
-// rows kept in the caller's scratch, and the image-level engines that drive
-// a kernel table over a whole image.
+// Gaussian pyramids (5x5, row 1 4 6 4 1): the row kernels of the
+// horizontal and vertical passes and their table, the engines the wrappers
+// call, and the scalar twins of the row kernels.
 //
 // Everything inline here has internal linkage: the SIMD translation units
 // include this header for the scalar row tails and must keep their own
@@ -10,16 +9,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
-#include "core/rows.h"
+#include "core/floats.h"
 #include "orucv.h"
-
-// The C runtime's report of a failed assertion; declared here because
-// <assert.h> hides it under NDEBUG, and the channel-count invariant of the
-// row engines holds in every build.
-extern "C" void __assert_fail(const char* assertion, const char* file, unsigned int line,
-                              const char* function) noexcept __attribute__((__noreturn__));
 
 namespace orucv {
 namespace a6 {
@@ -30,17 +22,21 @@ enum { kDownInner = 0, kDownFirst = 1, kDownLast = 2, kDownPair = 3 };
 // Bits of a PyrUp band (output rows 2i and 2i + 1 of source row i).
 enum { kUpFirst = 1, kUpLast = 2 };
 
-// Row kernels; index [1] of the pairs is the three-channel form. The 8-bit
-// kernels take a bias that is xored into every sample and result (0 for 8u,
-// 0x80 for 8s: signed samples move to the unsigned range, where the sums
-// and the rounding shift equal the signed ones plus a fixed offset).
+// The pairs of row kernels are indexed by channel_form(channels).
+enum { kOneChannel = 0, kThreeChannels = 1, kChannelForms = 2 };
+static constexpr int channel_form(int channels) { return channels == 3 ? kThreeChannels : kOneChannel; }
+
+// Row kernels. The 8-bit kernels take a bias that is xored into every
+// sample and result (0 for 8u, 0x80 for 8s: signed samples move to the
+// unsigned range, where the sums and the rounding shift equal the signed
+// ones plus a fixed offset).
 struct PyrKernels {
     // PyrDown horizontal pass: a source row of w pixels (w even, >= 2) into
     // w/2 * ch sums (16-bit for 8-bit samples). `next` is the source row to
     // be filtered after this one (or src itself), which SIMD kernels fetch
     // into the cache while they work.
-    void (*down_h8[2])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t* next);
-    void (*down_h32[2])(const float* src, int w, float* dst, const float* next);
+    void (*down_h8[kChannelForms])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t* next);
+    void (*down_h32[kChannelForms])(const float* src, int w, float* dst, const float* next);
     // PyrDown vertical pass: five filtered rows centred on rows[2] (mirrored
     // at the image edges) into n output samples. With stream set, SIMD
     // kernels write the aligned part of the row with non-temporal stores.
@@ -48,8 +44,8 @@ struct PyrKernels {
     void (*down_v32)(const float* const* rows, int form, int n, float* dst, bool stream);
     // PyrUp horizontal pass: a source row of w pixels (w >= 1) into 2w * ch
     // values, output pixels in order.
-    void (*up_h8[2])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t* next);
-    void (*up_h32[2])(const float* src, int w, float* dst, const float* next);
+    void (*up_h8[kChannelForms])(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t* next);
+    void (*up_h32[kChannelForms])(const float* src, int w, float* dst, const float* next);
     // PyrUp vertical pass: the filtered rows above, at and below source row
     // i (mirrored at the edges) into output rows 2i and 2i + 1, n samples.
     void (*up_v8)(const uint16_t* above, const uint16_t* centre, const uint16_t* below, int n, uint8_t* even,
@@ -63,43 +59,33 @@ extern const PyrKernels pyr_kernels_sse2;
 extern const PyrKernels pyr_kernels_avx2;
 const PyrKernels& pyr_kernels();
 
-// Ring row sizes in bytes, as the buffer-size queries define them (each the
-// byte count rounded up to a multiple of 16). PyrDown keeps 6 rows of
-// w/2 * ch sums (16-bit for 8-bit types, float for 32f) plus slack; PyrUp 3
-// rows with room for 2w * ch four-byte values plus slack, of which the 8-bit
-// rows use half: their sums never exceed 8 * 255 and are kept in 16 bits.
-static inline long long pyr_down_row_bytes(long long w, int ch, bool is_float) {
-    const long long b = is_float ? 4 : 2, s = is_float ? 96 : 48;
-    return (ch * (w / 2 * b + s) + 15) / 16 * 16;
-}
-static inline long long pyr_up_row_bytes(long long w, int ch) { return (ch * (w * 8 + 96) + 15) / 16 * 16; }
-constexpr int kPyrDownRingRows = 6;
-constexpr int kPyrUpRingRows = 3;
-
-// Destination rows bypass the caches (non-temporal stores) when source and
-// destination together pass this size: images that large would evict each
-// other from the last-level cache anyway, and streaming saves reading every
-// destination line before it is written.
-constexpr long long kPyrStreamBytes = 16ll << 20;
-static inline bool pyr_stream(long long src_bytes, long long dst_bytes) {
-    return src_bytes + dst_bytes >= kPyrStreamBytes;
-}
-
-// The ring starts at the first 16-byte boundary of the scratch: the slack of
-// every row (at least 48 bytes per channel) covers the shift, and the rows
-// stay aligned for their element type whatever the caller's alignment.
-struct PyrRing {
-    uint8_t* base;
-    size_t stride;
-    template <class T>
-    T* row(int slot) const {
-        return reinterpret_cast<T*>(base + stride * static_cast<size_t>(slot));
-    }
-};
-static inline PyrRing pyr_ring(uint8_t* buffer, long long row_bytes) {
-    const uintptr_t p = (reinterpret_cast<uintptr_t>(buffer) + 15) & ~static_cast<uintptr_t>(15);
-    return {reinterpret_cast<uint8_t*>(p), static_cast<size_t>(row_bytes)};
-}
+// Engines; arguments are checked by the wrappers (sizes of at least one
+// pixel). A whole level of w x h pixels with ch (1 or 3) channels, the ring
+// of filtered rows in the scratch buffer. The 8-bit PyrDown kernels take the
+// whole image (w and h even); the row engines of the other filters assert
+// that ch is 1 or 3.
+int a6_orcvPyrDownG5x5_8u(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep, OruSize roi, uint8_t* pBuffer,
+                          int ch);
+int a6_orcvPyrDownG5x5_8s(const int8_t* pSrc, int srcStep, int8_t* pDst, int dstStep, OruSize roi, uint8_t* pBuffer,
+                          int ch);
+OruStatus ownPyrDownG5x5_32f(const float* pSrc, int srcStep, float* pDst, int dstStep, OruSize roi, uint8_t* pBuffer,
+                             int Cs);
+OruStatus ownPyrUpG5x5_8u(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep, OruSize roi, uint8_t* pBuffer,
+                          int Cs);
+OruStatus ownPyrUpG5x5_8s(const int8_t* pSrc, int srcStep, int8_t* pDst, int dstStep, OruSize roi, uint8_t* pBuffer,
+                          int Cs);
+OruStatus ownPyrUpG5x5_32f(const float* pSrc, int srcStep, float* pDst, int dstStep, OruSize roi, uint8_t* pBuffer,
+                           int Cs);
+// The engine of each type and direction, by overload.
+OruStatus pyramid_down(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, OruSize roi, uint8_t* buffer, int ch);
+OruStatus pyramid_down(const int8_t* src, int srcStep, int8_t* dst, int dstStep, OruSize roi, uint8_t* buffer, int ch);
+OruStatus pyramid_down(const float* src, int srcStep, float* dst, int dstStep, OruSize roi, uint8_t* buffer, int ch);
+OruStatus pyramid_up(const uint8_t* src, int srcStep, uint8_t* dst, int dstStep, OruSize roi, uint8_t* buffer, int ch);
+OruStatus pyramid_up(const int8_t* src, int srcStep, int8_t* dst, int dstStep, OruSize roi, uint8_t* buffer, int ch);
+OruStatus pyramid_up(const float* src, int srcStep, float* dst, int dstStep, OruSize roi, uint8_t* buffer, int ch);
+// The scratch size of a level of a source `width` pixels wide (width >= 0,
+// even for PyrDown), which may exceed an int.
+long long pyramid_buffer_bytes(bool down, int width, int channels, bool is_float);
 
 namespace pyr_scalar {
 
@@ -171,17 +157,11 @@ static inline void down_h32_range(const float* s, int w, float* d, int x0, int x
 constexpr float kDownScale = 0.00390625f;  // 1/256
 constexpr float kUpScale = 0.015625f;      // 1/64
 
-// Every NaN result is stored as the quiet NaN 0x7FC00000: which of two NaN
-// operands an addition passes on depends on the instruction's operand
-// order, which compilers may swap, so payloads could differ between paths.
-constexpr uint32_t kQuietNan = 0x7FC00000u;
-static inline float scaled(float sum, float scale) {
-    const float v = sum * scale;
-    if (v == v) return v;
-    float nan;
-    std::memcpy(&nan, &kQuietNan, sizeof nan);
-    return nan;
-}
+// Every NaN result is stored as the one quiet NaN (core/floats.h): which of
+// two NaN operands an addition passes on depends on the instruction's
+// operand order, which compilers may swap, so payloads could differ between
+// paths.
+static inline float scaled(float sum, float scale) { return canonical_nan(sum * scale); }
 
 static inline void down_v32_range(const float* const* r, int form, int i0, int n, float* d) {
     switch (form) {
@@ -281,89 +261,5 @@ static inline void up_v32_range(const float* a, const float* c, const float* b, 
 }
 
 }  // namespace pyr_scalar
-
-// --- Image-level engines, shared by every type.
-
-// PyrDown: each source row is filtered horizontally once into ring slot
-// row % 6; output row y combines the filtered rows 2y - 2 .. 2y + 2,
-// mirrored at the top and bottom. w and h are even and at least 2.
-template <class S, class A, class HRow, class VRow>
-static inline void pyr_down_image(const S* src, int srcStep, S* dst, int dstStep, int h, uint8_t* buffer,
-                                  long long row_bytes, HRow hrow, VRow vrow) {
-    const PyrRing ring = pyr_ring(buffer, row_bytes);
-    const int oh = h / 2;
-    int filtered = 0;
-    for (int y = 0; y < oh; ++y) {
-        const int need = 2 * y + 2 < h ? 2 * y + 2 : h - 1;
-        for (; filtered <= need; ++filtered)
-            hrow(row_at(src, srcStep, filtered), ring.row<A>(filtered % kPyrDownRingRows),
-                 row_at(src, srcStep, filtered + 1 < h ? filtered + 1 : filtered));
-        const A* rows[5];
-        for (int k = 0; k < 5; ++k)
-            rows[k] = ring.row<A>(pyr_scalar::mirror(2 * y + k - 2, h) % kPyrDownRingRows);
-        const int form = oh == 1 ? kDownPair : y == 0 ? kDownFirst : y == oh - 1 ? kDownLast : kDownInner;
-        vrow(rows, form, row_at(dst, dstStep, y));
-    }
-}
-
-// PyrUp: each source row is filtered horizontally once into ring slot
-// row % 3; source row i with its neighbours (row -1 reads row 1, row h reads
-// row h - 1) gives output rows 2i and 2i + 1. h is at least 1.
-template <class S, class A, class HRow, class VRow>
-static inline void pyr_up_image(const S* src, int srcStep, S* dst, int dstStep, int h, uint8_t* buffer,
-                                long long row_bytes, HRow hrow, VRow vrow) {
-    const PyrRing ring = pyr_ring(buffer, row_bytes);
-    int filtered = 0;
-    S* even = dst;
-    for (int i = 0; i < h; ++i) {
-        const int below = i + 1 < h ? i + 1 : h - 1;
-        for (; filtered <= below; ++filtered)
-            hrow(row_at(src, srcStep, filtered), ring.row<A>(filtered % kPyrUpRingRows),
-                 row_at(src, srcStep, filtered + 1 < h ? filtered + 1 : filtered));
-        const int above = i > 0 ? i - 1 : below;
-        const int band = (i == 0 ? kUpFirst : 0) | (i == h - 1 ? kUpLast : 0);
-        S* odd = row_at(even, dstStep, 1);
-        vrow(ring.row<A>(above % kPyrUpRingRows), ring.row<A>(i % kPyrUpRingRows),
-             ring.row<A>(below % kPyrUpRingRows), band, even, odd);
-        even = row_at(odd, dstStep, 1);
-    }
-}
-
-// The 8-bit PyrDown kernels: the whole image of w x h pixels (both even,
-// at least 2) with ch channels (1 or 3) into (w/2) x (h/2), ring in pBuffer.
-int a6_orcvPyrDownG5x5_8u(const uint8_t* pSrc, int srcStep, uint8_t* pDst, int dstStep, OruSize roi,
-                          uint8_t* pBuffer, int ch);
-int a6_orcvPyrDownG5x5_8s(const int8_t* pSrc, int srcStep, int8_t* pDst, int dstStep, OruSize roi,
-                          uint8_t* pBuffer, int ch);
-
 }  // namespace a6
-
-// Checks of the filters, in their order; every size and step fault is
-// oruStsSize. e is the element size (4 for 32f, whose steps must also be
-// multiples of 4; 1 for 8-bit).
-static inline OruStatus pyr_check(const void* src, int srcStep, const void* dst, int dstStep, OruSize roi,
-                                  const void* buffer, int ch, int e, bool down) {
-    if (!src || !dst || !buffer) return oruStsNullPointer;
-    const long long w = roi.width, h = roi.height;
-    if (w < 0 || h < 0) return oruStsSize;
-    const long long dst_pixels = down ? w / 2 : 2 * w;
-    if (srcStep < w * ch * e || dstStep < dst_pixels * ch * e) return oruStsSize;
-    if (down && (w % 2 != 0 || h % 2 != 0)) return oruStsSize;
-    if (e == 4 && (srcStep % 4 != 0 || dstStep % 4 != 0)) return oruStsSize;
-    return oruStsOk;
-}
-
-// C-level row engines of the filters that run without a dedicated image
-// kernel (src/orcvpyr.cpp, src/orcvpyr32f.cpp). Arguments are trusted except
-// the channel count, which must be 1 or 3 (an internal invariant: anything
-// else aborts).
-OruStatus ownPyrUpG5x5_8u(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep, OruSize roi, Oru8u* pBuffer,
-                          int Cs);
-OruStatus ownPyrUpG5x5_8s(const Oru8s* pSrc, int srcStep, Oru8s* pDst, int dstStep, OruSize roi, Oru8u* pBuffer,
-                          int Cs);
-OruStatus ownPyrDownG5x5_32f(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, OruSize roi,
-                             Oru8u* pBuffer, int Cs);
-OruStatus ownPyrUpG5x5_32f(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, OruSize roi,
-                           Oru8u* pBuffer, int Cs);
-
 }  // namespace orucv

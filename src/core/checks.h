@@ -166,4 +166,33 @@ inline OruStatus check_match_buffer_size(OruSize src_size, OruSize tpl_size, int
     return oruStsOk;
 }
 
+// Pyramid filters: the pointers, then every size and step fault as
+// oruStsSize: negative sizes, steps short of the source and destination
+// rows (half or twice the width), a PyrDown region with an odd side, a
+// float step that is not a whole number of floats. element is 1 for 8-bit
+// images, 4 for float ones.
+inline OruStatus check_pyramid(const void* src, int srcStep, const void* dst, int dstStep, OruSize roi,
+                               const void* buffer, int channels, int element, bool down) {
+    if (any_null({src, dst, buffer})) return oruStsNullPointer;
+    const long long w = roi.width, h = roi.height;
+    if (w < 0 || h < 0) return oruStsSize;
+    const long long dst_pixels = down ? w / 2 : 2 * w;
+    if (srcStep < w * channels * element || dstStep < dst_pixels * channels * element) return oruStsSize;
+    if (down && (w % 2 != 0 || h % 2 != 0)) return oruStsSize;
+    if (element == 4 && (srcStep % 4 != 0 || dstStep % 4 != 0)) return oruStsSize;
+    return oruStsOk;
+}
+
+// The pyramid size queries: the output, which is then cleared; the width
+// (not negative, even for PyrDown); the channels (1 or 3); the data type
+// (8u, 8s or 32f).
+inline OruStatus check_pyramid_buffer_size(int width, int dataType, int channels, bool down, int* size) {
+    if (!size) return oruStsNullPointer;
+    *size = 0;
+    if (width < 0 || (down && width % 2 != 0)) return oruStsSize;
+    if (channels != 1 && channels != 3) return oruStsNumChannels;
+    if (dataType != oruDataType8u && dataType != oruDataType8s && dataType != oruDataType32f) return oruStsDataType;
+    return oruStsOk;
+}
+
 }  // namespace orucv
