@@ -15,56 +15,42 @@ using namespace pyr_scalar;
 
 // The scalar twins as row kernels. They store plainly; stream is a hint for
 // the SIMD kernels, and `next` a row they fetch ahead.
-template <int CH>
-void down_h8(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t*) {
-    down_h8_range<CH>(src, w, dst, bias, 0, w / 2);
-}
-void down_v8(const uint16_t* const* rows, int n, uint8_t* dst, uint8_t bias, bool) {
-    down_v8_range(rows, 0, n, dst, bias);
-}
-template <int CH>
-void down_h32(const float* src, int w, float* dst, const float*) {
-    down_h32_range<CH>(src, w, dst, 0, w / 2);
-}
-void down_v32(const float* const* rows, int form, int n, float* dst, bool) {
-    down_v32_range(rows, form, 0, n, dst);
-}
-template <int CH>
-void up_h8(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t*) {
-    up_h8_range<CH>(src, w, dst, bias, 0, w);
-}
-void up_v8(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* even, uint8_t* odd,
-           uint8_t bias, bool) {
-    up_v8_range(a, c, b, 0, n, even, odd, bias);
-}
-template <int CH>
-void up_h32(const float* src, int w, float* dst, const float*) {
-    up_h32_range<CH>(src, w, dst, 0, w);
-}
-void up_v32(const float* a, const float* c, const float* b, int band, int n, float* even, float* odd, bool) {
-    up_v32_range(a, c, b, band, 0, n, even, odd);
-}
-
-constexpr PyrKernels scalar_table() {
-    PyrKernels k{};
-    k.down_h8[kOneChannel] = down_h8<1>;
-    k.down_h8[kThreeChannels] = down_h8<3>;
-    k.down_h32[kOneChannel] = down_h32<1>;
-    k.down_h32[kThreeChannels] = down_h32<3>;
-    k.down_v8 = down_v8;
-    k.down_v32 = down_v32;
-    k.up_h8[kOneChannel] = up_h8<1>;
-    k.up_h8[kThreeChannels] = up_h8<3>;
-    k.up_h32[kOneChannel] = up_h32<1>;
-    k.up_h32[kThreeChannels] = up_h32<3>;
-    k.up_v8 = up_v8;
-    k.up_v32 = up_v32;
-    return k;
-}
+struct ScalarRows {
+    template <int CH>
+    static void down_h8(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t*) {
+        down_h8_range<CH>(src, w, dst, bias, 0, w / 2);
+    }
+    static void down_v8(const uint16_t* const* rows, int n, uint8_t* dst, uint8_t bias, bool) {
+        down_v8_range(rows, 0, n, dst, bias);
+    }
+    template <int CH>
+    static void down_h32(const float* src, int w, float* dst, const float*) {
+        down_h32_range<CH>(src, w, dst, 0, w / 2);
+    }
+    static void down_v32(const float* const* rows, int form, int n, float* dst, bool) {
+        down_v32_range(rows, form, 0, n, dst);
+    }
+    template <int CH>
+    static void up_h8(const uint8_t* src, int w, uint16_t* dst, uint8_t bias, const uint8_t*) {
+        up_h8_range<CH>(src, w, dst, bias, 0, w);
+    }
+    static void up_v8(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* even, uint8_t* odd,
+                      uint8_t bias, bool) {
+        up_v8_range(a, c, b, 0, n, even, odd, bias);
+    }
+    template <int CH>
+    static void up_h32(const float* src, int w, float* dst, const float*) {
+        up_h32_range<CH>(src, w, dst, 0, w);
+    }
+    static void up_v32(const float* a, const float* c, const float* b, int band, int n, float* even, float* odd,
+                       bool) {
+        up_v32_range(a, c, b, band, 0, n, even, odd);
+    }
+};
 
 }  // namespace
 
-const PyrKernels pyr_kernels_scalar = scalar_table();
+const PyrKernels pyr_kernels_scalar = pyr_table<ScalarRows>();
 
 const PyrKernels& pyr_kernels() { return ORUCV_CHOOSE(pyr_kernels); }
 

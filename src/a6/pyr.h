@@ -59,6 +59,28 @@ extern const PyrKernels pyr_kernels_sse2;
 extern const PyrKernels pyr_kernels_avx2;
 const PyrKernels& pyr_kernels();
 
+namespace {  // internal linkage: instruction-set files include this header
+// The table of a kernel set K, filled by name from its static members
+// down_h8<CH>, down_h32<CH>, down_v8, down_v32 and their up_ twins.
+template <class K>
+constexpr PyrKernels pyr_table() {
+    PyrKernels k{};
+    k.down_h8[kOneChannel] = K::template down_h8<1>;
+    k.down_h8[kThreeChannels] = K::template down_h8<3>;
+    k.down_h32[kOneChannel] = K::template down_h32<1>;
+    k.down_h32[kThreeChannels] = K::template down_h32<3>;
+    k.down_v8 = K::down_v8;
+    k.down_v32 = K::down_v32;
+    k.up_h8[kOneChannel] = K::template up_h8<1>;
+    k.up_h8[kThreeChannels] = K::template up_h8<3>;
+    k.up_h32[kOneChannel] = K::template up_h32<1>;
+    k.up_h32[kThreeChannels] = K::template up_h32<3>;
+    k.up_v8 = K::up_v8;
+    k.up_v32 = K::up_v32;
+    return k;
+}
+}  // namespace
+
 // Engines; arguments are checked by the wrappers (sizes of at least one
 // pixel). A whole level of w x h pixels with ch (1 or 3) channels, the ring
 // of filtered rows in the scratch buffer. The 8-bit PyrDown kernels take the

@@ -270,93 +270,69 @@ struct PyrRows {
 
     // ---- Vertical passes: when streaming, the twin writes up to the first
     // boundary of the widest vectors and their blocks stream from there;
-    // the rest of the row is stored plainly.
+    // the rest of the row is stored plainly. twin(i0, i1) writes outputs
+    // i0..i1-1, block(set, i, kStream) runs a set's blocks from i.
+
+    template <class T, class Twin, class Block>
+    static void vertical(T* d, const T* other, int n, bool stream, Twin twin, Block block) {
+        int i = 0;
+        const int head = stream ? stream_start(d, other, n, Widest::kAlign) : -1;
+        if (head >= 0) {
+            twin(0, head);
+            i = block(Widest(), head, std::true_type());
+            Widest::stream_fence();
+        }
+        i = blocks(i, [&](auto set, int i) { return block(set, i, std::false_type()); });
+        twin(i, n);
+    }
 
     template <bool kSigned>
     static void down_v8_run(const uint16_t* const* r, int n, uint8_t* d, bool stream) {
-        const uint8_t bias = kSigned ? 0x80 : 0;
-        int i = 0;
-        const int head = stream ? stream_start(d, d, n, Widest::kAlign) : -1;
-        if (head >= 0) {
-            pyr_scalar::down_v8_range(r, 0, head, d, bias);
-            i = Widest::template down_v8<kSigned, true>(r, n, d, head);
-            Widest::stream_fence();
-        }
-        i = blocks(i, [&](auto set, int i) { return decltype(set)::template down_v8<kSigned, false>(r, n, d, i); });
-        pyr_scalar::down_v8_range(r, i, n, d, bias);
+        vertical(
+            d, d, n, stream, [&](int i0, int i1) { pyr_scalar::down_v8_range(r, i0, i1, d, kSigned ? 0x80 : 0); },
+            [&](auto set, int i, auto kStream) { return decltype(set)::template down_v8<kSigned, kStream>(r, n, d, i); });
     }
     static void down_v8(const uint16_t* const* r, int n, uint8_t* d, uint8_t bias, bool stream) {
         bias ? down_v8_run<true>(r, n, d, stream) : down_v8_run<false>(r, n, d, stream);
     }
 
-    template <int kForm>
-    static void down_v32_run(const float* const* r, int n, float* d, bool stream) {
-        int i = 0;
-        const int head = stream ? stream_start(d, d, n, Widest::kAlign) : -1;
-        if (head >= 0) {
-            pyr_scalar::down_v32_range(r, kForm, 0, head, d);
-            i = Widest::template down_v32<kForm, true>(r, n, d, head);
-            Widest::stream_fence();
-        }
-        i = blocks(i, [&](auto set, int i) { return decltype(set)::template down_v32<kForm, false>(r, n, d, i); });
-        pyr_scalar::down_v32_range(r, kForm, i, n, d);
-    }
     static void down_v32(const float* const* r, int form, int n, float* d, bool stream) {
-        with_form(form, [&](auto kForm) { down_v32_run<decltype(kForm)::value>(r, n, d, stream); });
+        with_form(form, [&](auto kForm) {
+            vertical(
+                d, d, n, stream, [&](int i0, int i1) { pyr_scalar::down_v32_range(r, kForm, i0, i1, d); },
+                [&](auto set, int i, auto kStream) {
+                    return decltype(set)::template down_v32<kForm, kStream>(r, n, d, i);
+                });
+        });
     }
 
     template <bool kSigned>
     static void up_v8_run(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o,
                           bool stream) {
-        const uint8_t bias = kSigned ? 0x80 : 0;
-        int i = 0;
-        const int head = stream ? stream_start(e, o, n, Widest::kAlign) : -1;
-        if (head >= 0) {
-            pyr_scalar::up_v8_range(a, c, b, 0, head, e, o, bias);
-            i = Widest::template up_v8<kSigned, true>(a, c, b, n, e, o, head);
-            Widest::stream_fence();
-        }
-        i = blocks(i, [&](auto set, int i) { return decltype(set)::template up_v8<kSigned, false>(a, c, b, n, e, o, i); });
-        pyr_scalar::up_v8_range(a, c, b, i, n, e, o, bias);
+        vertical(
+            e, o, n, stream,
+            [&](int i0, int i1) { pyr_scalar::up_v8_range(a, c, b, i0, i1, e, o, kSigned ? 0x80 : 0); },
+            [&](auto set, int i, auto kStream) {
+                return decltype(set)::template up_v8<kSigned, kStream>(a, c, b, n, e, o, i);
+            });
     }
     static void up_v8(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o,
                       uint8_t bias, bool stream) {
         bias ? up_v8_run<true>(a, c, b, n, e, o, stream) : up_v8_run<false>(a, c, b, n, e, o, stream);
     }
 
-    template <int kBand>
-    static void up_v32_run(const float* a, const float* c, const float* b, int n, float* e, float* o, bool stream) {
-        int i = 0;
-        const int head = stream ? stream_start(e, o, n, Widest::kAlign) : -1;
-        if (head >= 0) {
-            pyr_scalar::up_v32_range(a, c, b, kBand, 0, head, e, o);
-            i = Widest::template up_v32<kBand, true>(a, c, b, n, e, o, head);
-            Widest::stream_fence();
-        }
-        i = blocks(i, [&](auto set, int i) { return decltype(set)::template up_v32<kBand, false>(a, c, b, n, e, o, i); });
-        pyr_scalar::up_v32_range(a, c, b, kBand, i, n, e, o);
-    }
     static void up_v32(const float* a, const float* c, const float* b, int band, int n, float* e, float* o,
                        bool stream) {
-        with_band(band, [&](auto kBand) { up_v32_run<decltype(kBand)::value>(a, c, b, n, e, o, stream); });
+        with_band(band, [&](auto kBand) {
+            vertical(
+                e, o, n, stream, [&](int i0, int i1) { pyr_scalar::up_v32_range(a, c, b, kBand, i0, i1, e, o); },
+                [&](auto set, int i, auto kStream) {
+                    return decltype(set)::template up_v32<kBand, kStream>(a, c, b, n, e, o, i);
+                });
+        });
     }
 
-    static constexpr PyrKernels table() {
-        PyrKernels k{};
-        k.down_h8[kOneChannel] = down_h8<1>;
-        k.down_h8[kThreeChannels] = down_h8<3>;
-        k.down_h32[kOneChannel] = down_h32<1>;
-        k.down_h32[kThreeChannels] = down_h32<3>;
-        k.down_v8 = down_v8;
-        k.down_v32 = down_v32;
-        k.up_h8[kOneChannel] = up_h8<1>;
-        k.up_h8[kThreeChannels] = up_h8<3>;
-        k.up_h32[kOneChannel] = up_h32<1>;
-        k.up_h32[kThreeChannels] = up_h32<3>;
-        k.up_v8 = up_v8;
-        k.up_v32 = up_v32;
-        return k;
-    }
+    static constexpr PyrKernels table() { return pyr_table<PyrRows>(); }
 };
 
 }  // namespace
