@@ -210,18 +210,24 @@ struct PyrRows {
     }
 
     // ---- Horizontal passes: the first output by the twin (edge form), the
-    // blocks, the rest by the twin.
+    // blocks, the rest by the twin. twin(x0, x1) writes outputs x0..x1-1,
+    // block(set, x) runs a set's blocks from x.
+
+    template <class Twin, class Block>
+    static void horizontal(int outputs, Twin twin, Block block) {
+        twin(0, 1);
+        twin(blocks(1, block), outputs);
+    }
 
     template <int CH, bool kSigned>
     static void down_h8_run(const uint8_t* s, int w, uint16_t* d, ptrdiff_t ahead) {
-        const uint8_t bias = kSigned ? 0x80 : 0;
-        pyr_scalar::down_h8_range<CH>(s, w, d, bias, 0, 1);
-        const int x = blocks(1, [&](auto set, int x) {
-            using B = decltype(set);
-            return CH == 1 ? B::template down_h8_c1<kSigned>(s, w, d, x, ahead)
-                           : B::template down_h8_c3<kSigned>(s, w, d, x, ahead);
-        });
-        pyr_scalar::down_h8_range<CH>(s, w, d, bias, x, w / 2);
+        horizontal(
+            w / 2, [&](int x0, int x1) { pyr_scalar::down_h8_range<CH>(s, w, d, kSigned ? 0x80 : 0, x0, x1); },
+            [&](auto set, int x) {
+                using B = decltype(set);
+                return CH == 1 ? B::template down_h8_c1<kSigned>(s, w, d, x, ahead)
+                               : B::template down_h8_c3<kSigned>(s, w, d, x, ahead);
+            });
     }
     template <int CH>
     static void down_h8(const uint8_t* s, int w, uint16_t* d, uint8_t bias, const uint8_t* next) {
@@ -232,24 +238,23 @@ struct PyrRows {
     template <int CH>
     static void down_h32(const float* s, int w, float* d, const float* next) {
         const ptrdiff_t ahead = rows_apart(s, next);
-        pyr_scalar::down_h32_range<CH>(s, w, d, 0, 1);
-        const int x = blocks(1, [&](auto set, int x) {
-            using B = decltype(set);
-            return CH == 1 ? B::down_h32_c1(s, w, d, x, ahead) : B::down_h32_c3(s, w, d, x, ahead);
-        });
-        pyr_scalar::down_h32_range<CH>(s, w, d, x, w / 2);
+        horizontal(
+            w / 2, [&](int x0, int x1) { pyr_scalar::down_h32_range<CH>(s, w, d, x0, x1); },
+            [&](auto set, int x) {
+                using B = decltype(set);
+                return CH == 1 ? B::down_h32_c1(s, w, d, x, ahead) : B::down_h32_c3(s, w, d, x, ahead);
+            });
     }
 
     template <int CH, bool kSigned>
     static void up_h8_run(const uint8_t* s, int w, uint16_t* d, ptrdiff_t ahead) {
-        const uint8_t bias = kSigned ? 0x80 : 0;
-        pyr_scalar::up_h8_range<CH>(s, w, d, bias, 0, 1);
-        const int j = blocks(1, [&](auto set, int j) {
-            using B = decltype(set);
-            return CH == 1 ? B::template up_h8_c1<kSigned>(s, w, d, j, ahead)
-                           : B::template up_h8_c3<kSigned>(s, w, d, j, ahead);
-        });
-        pyr_scalar::up_h8_range<CH>(s, w, d, bias, j, w);
+        horizontal(
+            w, [&](int j0, int j1) { pyr_scalar::up_h8_range<CH>(s, w, d, kSigned ? 0x80 : 0, j0, j1); },
+            [&](auto set, int j) {
+                using B = decltype(set);
+                return CH == 1 ? B::template up_h8_c1<kSigned>(s, w, d, j, ahead)
+                               : B::template up_h8_c3<kSigned>(s, w, d, j, ahead);
+            });
     }
     template <int CH>
     static void up_h8(const uint8_t* s, int w, uint16_t* d, uint8_t bias, const uint8_t* next) {
@@ -260,12 +265,12 @@ struct PyrRows {
     template <int CH>
     static void up_h32(const float* s, int w, float* d, const float* next) {
         const ptrdiff_t ahead = rows_apart(s, next);
-        pyr_scalar::up_h32_range<CH>(s, w, d, 0, 1);
-        const int j = blocks(1, [&](auto set, int j) {
-            using B = decltype(set);
-            return CH == 1 ? B::up_h32_c1(s, w, d, j, ahead) : B::up_h32_c3(s, w, d, j, ahead);
-        });
-        pyr_scalar::up_h32_range<CH>(s, w, d, j, w);
+        horizontal(
+            w, [&](int j0, int j1) { pyr_scalar::up_h32_range<CH>(s, w, d, j0, j1); },
+            [&](auto set, int j) {
+                using B = decltype(set);
+                return CH == 1 ? B::up_h32_c1(s, w, d, j, ahead) : B::up_h32_c3(s, w, d, j, ahead);
+            });
     }
 
     // ---- Vertical passes: when streaming, the twin writes up to the first
