@@ -7,6 +7,7 @@
 #include <cstring>
 #include <functional>
 #include <queue>
+#include <string>
 #include <vector>
 
 #include "a6/distransform.h"
@@ -23,11 +24,12 @@ using Transform = OruStatus (*)(const Oru8u*, int, Oru32f*, int, OruSize, const 
 
 // The transforms of the list, each with the side of its mask.
 struct TransformFn {
+    const char* name;
     Transform fn;
     int side;
 };
 #define TRANSFORM_Mask(name, side)
-#define TRANSFORM_Transform(name, side) TransformFn{name, side},
+#define TRANSFORM_Transform(name, side) TransformFn{#name, name, side},
 #define TRANSFORM(name, shape, side) TRANSFORM_##shape(name, side)
 const TransformFn kTransforms[] = {ORUCV_DISTRANSFORM_FUNCTIONS(TRANSFORM)};
 
@@ -128,6 +130,15 @@ std::vector<uint32_t> as_floats(const std::vector<int32_t>& d) {
 }
 
 }  // namespace
+
+// The list makes both the wrappers and this test's table, so its mask sides
+// are checked against the names.
+TEST(DistanceList, ColumnsFollowTheNames) {
+    for (const TransformFn& t : kTransforms) {
+        const std::string side = std::to_string(t.side);
+        EXPECT_NE(std::string(t.name).find("_" + side + "x" + side + "_"), std::string::npos) << t.name;
+    }
+}
 
 TEST(DistanceMask, CodesAndBits) {
     const struct {

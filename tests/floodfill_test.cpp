@@ -10,6 +10,7 @@
 #include <cstring>
 #include <deque>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "a6/floodfill.h"
@@ -275,6 +276,22 @@ Plain<T> adversarial(int kind, int w, int h) {
 }
 
 }  // namespace
+
+// The list makes both the wrappers and this test's table, so its shapes and
+// connectivities are checked against the names.
+template <class T>
+void check_fill_columns() {
+    EXPECT_EQ(Fills<T>::all.size(), 4u);
+    for (const Fill<T>& f : Fills<T>::all) {
+        const std::string name = f.name;
+        EXPECT_EQ(f.grad, name.find("_Grad") != std::string::npos) << name;
+        EXPECT_EQ(f.eight, name.find("8Con_") != std::string::npos) << name;
+    }
+}
+TEST(FloodFillList, ColumnsFollowTheNames) {
+    check_fill_columns<Oru8u>();
+    check_fill_columns<Oru32f>();
+}
 
 TEST(FloodFillSize, ValuesAndChecks) {
     int n = -1;

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -34,6 +35,10 @@ using SizeFn = OruStatus (*)(OruSize, OruSize, int, int*);
 #define SIZE_FN_Match(name)
 #define SIZE_FN(name, shape, T, method) SIZE_FN_##shape(name)
 const SizeFn kSize[kMethods] = {ORUCV_MATCHTEMPLATE_FUNCTIONS(SIZE_FN)};
+#define SIZE_NAME_BufSize(name) #name,
+#define SIZE_NAME_Match(name)
+#define SIZE_NAME(name, shape, T, method) SIZE_NAME_##shape(name)
+const char* const kSizeNames[kMethods] = {ORUCV_MATCHTEMPLATE_FUNCTIONS(SIZE_NAME)};
 
 template <class T>
 using MatchFn = OruStatus (*)(const T*, int, OruSize, const T*, int, OruSize, Oru32f*, int, Oru8u*);
@@ -43,13 +48,20 @@ constexpr int type_code() {
     return std::is_same<T, Oru8u>::value ? oruDataType8u : std::is_same<T, Oru8s>::value ? oruDataType8s : oruDataType32f;
 }
 
-// The match functions of the list on one pixel type, by method.
+// The match functions of the list on one pixel type, by method, and their
+// names.
+template <class Pixel>
+struct MatchNames {
+    static const char* name[kMethods];
+};
+template <class Pixel>
+const char* MatchNames<Pixel>::name[kMethods] = {};
 template <class Pixel, class T, auto F>
-void set_match(MatchFn<Pixel>& slot) {
-    if constexpr (std::is_same<T, Pixel>::value) slot = F;
+void set_match(MatchFn<Pixel>& slot, int method, const char* name) {
+    if constexpr (std::is_same<T, Pixel>::value) slot = F, MatchNames<Pixel>::name[method] = name;
 }
 #define MATCH_FN_BufSize(name, T, method)
-#define MATCH_FN_Match(name, T, method) set_match<Pixel, T, name>(fns[method]);
+#define MATCH_FN_Match(name, T, method) set_match<Pixel, T, name>(fns[method], method, #name);
 #define MATCH_FN(name, shape, T, method) MATCH_FN_##shape(name, T, method)
 template <class Pixel>
 std::array<MatchFn<Pixel>, kMethods> match_fns() {
@@ -178,6 +190,26 @@ void fill(GuardedImage<T>& image, uint64_t seed) {
 }
 
 }  // namespace
+
+// The list makes both the wrappers and this test's tables, so its methods
+// are checked against the names.
+template <class T>
+void check_match_columns() {
+    match_fn<T>(SqDiff);
+    for (int m = 0; m < kMethods; ++m) {
+        const std::string name = MatchNames<T>::name[m] ? MatchNames<T>::name[m] : "";
+        EXPECT_EQ(name.find(std::string("_") + kNames[m] + "_"), name.find('_')) << name;
+    }
+}
+TEST(MatchTemplateList, ColumnsFollowTheNames) {
+    for (int m = 0; m < kMethods; ++m) {
+        const std::string name = kSizeNames[m];
+        EXPECT_EQ(name.substr(name.rfind('_') + 1), kNames[m]);
+    }
+    check_match_columns<Oru8u>();
+    check_match_columns<Oru8s>();
+    check_match_columns<Oru32f>();
+}
 
 TEST(MatchTemplateChecks, OrderOfChecks) {
     GuardedImage<Oru8u> src(9, 7), tpl(3, 2);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -28,6 +29,7 @@ struct Filter {
     PyrFn<T> fn;
     int ch;
     bool down;
+    const char* name;
 };
 
 template <class T>
@@ -37,11 +39,11 @@ constexpr int type_code() {
 
 // The filters of the list on one pixel type.
 template <class Pixel, class T, int kChannels, bool kDown, auto F>
-void add_filter(std::vector<Filter<Pixel>>& filters) {
-    if constexpr (std::is_same<T, Pixel>::value) filters.push_back({F, kChannels, kDown});
+void add_filter(std::vector<Filter<Pixel>>& filters, const char* name) {
+    if constexpr (std::is_same<T, Pixel>::value) filters.push_back({F, kChannels, kDown, name});
 }
-#define FILTER_Down(name, T, CH) add_filter<Pixel, T, CH, true, name>(all);
-#define FILTER_Up(name, T, CH) add_filter<Pixel, T, CH, false, name>(all);
+#define FILTER_Down(name, T, CH) add_filter<Pixel, T, CH, true, name>(all, #name);
+#define FILTER_Up(name, T, CH) add_filter<Pixel, T, CH, false, name>(all, #name);
 #define FILTER_DownSize(name, T, CH)
 #define FILTER_UpSize(name, T, CH)
 #define FILTER(name, shape, T, CH) FILTER_##shape(name, T, CH)
@@ -216,6 +218,24 @@ void fill_source(GuardedImage<T>& img, uint64_t seed) {
 }
 
 }  // namespace
+
+// --- The list.
+
+// The list makes both the wrappers and this test's table, so its directions
+// and channel counts are checked against the names.
+template <class T>
+void check_filter_columns() {
+    for (const Filter<T>& f : filters<T>()) {
+        const std::string name = f.name;
+        EXPECT_EQ(f.down, name.find("PyrDown_") != std::string::npos) << name;
+        EXPECT_NE(name.find(f.ch == 3 ? "_C3R" : "_C1R"), std::string::npos) << name;
+    }
+}
+TEST(PyramidList, ColumnsFollowTheNames) {
+    check_filter_columns<Oru8u>();
+    check_filter_columns<Oru8s>();
+    check_filter_columns<Oru32f>();
+}
 
 // --- Check orders.
 
