@@ -175,6 +175,86 @@ struct Avx2 {
         h = _mm_add_epi32(h, _mm_shuffle_epi32(h, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(h);
     }
+
+    // ---- Accumulators
+    static F addf_pinned(F a, F b) {
+        F r;
+        __asm__("vaddps %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
+        return r;
+    }
+    static F mulf_pinned(F a, F b) {
+        F r;
+        __asm__("vmulps %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
+        return r;
+    }
+    static F andnotf(F a, F b) { return _mm256_andnot_ps(a, b); }
+    static void widen32_u8(I x, I (&out)[4]) {
+        const __m128i lo = low(x), hi = high(x);
+        out[0] = _mm256_cvtepu8_epi32(lo);
+        out[1] = _mm256_cvtepu8_epi32(_mm_unpackhi_epi64(lo, lo));
+        out[2] = _mm256_cvtepu8_epi32(hi);
+        out[3] = _mm256_cvtepu8_epi32(_mm_unpackhi_epi64(hi, hi));
+    }
+    static void widen32_s8(I x, I (&out)[4]) {
+        const __m128i lo = low(x), hi = high(x);
+        out[0] = _mm256_cvtepi8_epi32(lo);
+        out[1] = _mm256_cvtepi8_epi32(_mm_unpackhi_epi64(lo, lo));
+        out[2] = _mm256_cvtepi8_epi32(hi);
+        out[3] = _mm256_cvtepi8_epi32(_mm_unpackhi_epi64(hi, hi));
+    }
+    // In 32-bit lanes: no widening of the products is needed.
+    static void mul_widen32_u8(I a, I b, I (&out)[4]) {
+        I x[4], y[4];
+        widen32_u8(a, x);
+        widen32_u8(b, y);
+        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
+    }
+    static void mul_widen32_s8(I a, I b, I (&out)[4]) {
+        I x[4], y[4];
+        widen32_s8(a, x);
+        widen32_s8(b, y);
+        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
+    }
+    // From memory, widening loads take the place of the shuffles.
+    static __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
+    static void load_widen32_u8(const uint8_t* p, I (&out)[4]) {
+        for (int k = 0; k < 4; ++k) out[k] = _mm256_cvtepu8_epi32(load8(p + 8 * k));
+    }
+    static void load_widen32_s8(const int8_t* p, I (&out)[4]) {
+        for (int k = 0; k < 4; ++k) out[k] = _mm256_cvtepi8_epi32(load8(p + 8 * k));
+    }
+    static void load_mul_widen32_u8(const uint8_t* a, const uint8_t* b, I (&out)[4]) {
+        I x[4], y[4];
+        load_widen32_u8(a, x);
+        load_widen32_u8(b, y);
+        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
+    }
+    static void load_mul_widen32_s8(const int8_t* a, const int8_t* b, I (&out)[4]) {
+        I x[4], y[4];
+        load_widen32_s8(a, x);
+        load_widen32_s8(b, y);
+        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
+    }
+    static void load_eq0_mask32(const uint8_t* p, I (&out)[4]) {
+        load_widen32_u8(p, out);
+        for (int k = 0; k < 4; ++k) out[k] = cmpeq32(out[k], zero());
+    }
+
+    // ---- Fixed 3x3 derivatives
+    static I sra16(I v, int count) { return _mm256_sra_epi16(v, _mm_cvtsi32_si128(count)); }
+
+    // ---- Canny
+    static I adds_s16(I a, I b) { return _mm256_adds_epi16(a, b); }
+    static I subs_s16(I a, I b) { return _mm256_subs_epi16(a, b); }
+    // Unpack, madd and pack all work within 128-bit halves, so the lanes
+    // come back in their order.
+    static I madd2_sat16(I a, I b, int ka, int kb) {
+        const I k = set32(static_cast<int>((static_cast<uint32_t>(kb) << 16) | static_cast<uint16_t>(ka)));
+        return _mm256_packs_epi32(_mm256_madd_epi16(_mm256_unpacklo_epi16(a, b), k),
+                                  _mm256_madd_epi16(_mm256_unpackhi_epi16(a, b), k));
+    }
+    static I narrow_u8(I v) { return _mm256_zextsi128_si256(_mm_packus_epi16(low(v), high(v))); }
+    static I narrow_s8(I v) { return _mm256_zextsi128_si256(_mm_packs_epi16(low(v), high(v))); }
 };
 
 }  // namespace

@@ -87,4 +87,13 @@ inline OruStatus check_order_d(std::initializer_list<const void*> pointers, std:
     return oruStsOk;
 }
 
+// Accumulators: order B over the two sources, the mask and the float
+// accumulator, each step with the bytes of one of its pixels. An image the
+// function does not take repeats the first source, so it decides nothing.
+inline OruStatus check_accumulator_order(const void* src1, StepOf src1Step, const void* src2, StepOf src2Step,
+                                         const void* mask, StepOf maskStep, const void* acc, int accStep,
+                                         OruSize roi) {
+    return check_order_b({src1, src2, mask, acc}, {src1Step, src2Step, maskStep, {accStep, 4}}, roi);
+}
+
 }  // namespace orucv
