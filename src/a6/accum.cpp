@@ -22,9 +22,10 @@ const AccumKernels& accum_kernels() { return ORUCV_CHOOSE(accum_kernels); }
 void accumulate(AccumKernel id, Plane<const uint8_t> src1, Plane<const uint8_t> src2, Plane<const uint8_t> mask,
                 Plane<float> acc, OruSize roi, float alpha) {
     const AccumRow row = accum_kernels().rows[static_cast<int>(id)];
-    for_each_row_joined(
-        roi, [&](const uint8_t* s1, const uint8_t* s2, const uint8_t* m, float* a, int n) { row(s1, s2, m, a, n, alpha); },
-        src1, src2, mask, acc);
+    auto row_with_alpha = [&](const uint8_t* s1, const uint8_t* s2, const uint8_t* m, float* a, int n) {
+        row(s1, s2, m, a, n, alpha);
+    };
+    for_each_row_joined(roi, row_with_alpha, src1, src2, mask, acc);
 }
 
 }  // namespace a6

@@ -2,6 +2,11 @@
 // instruction-set file instantiates its own.
 #pragma once
 
+// For row kernels assembled from many small pieces: everything they call is
+// inlined into them, where the compiler's size limits would leave calls in
+// the inner loops.
+#define ORUCV_FLATTEN __attribute__((flatten))
+
 namespace orucv {
 namespace a6 {
 namespace {

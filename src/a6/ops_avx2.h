@@ -243,6 +243,16 @@ struct Avx2 {
     // ---- Fixed 3x3 derivatives
     static I sra16(I v, int count) { return _mm256_sra_epi16(v, _mm_cvtsi32_si128(count)); }
 
+    static void load_widen16_u8(const uint8_t* p, I (&out)[2]) {
+        out[0] = load_widen_u8(p);
+        out[1] = load_widen_u8(p + kBytes / 2);
+    }
+    // Offset 0: sign extension from memory is as fast as it gets.
+    static void load_widen16_s8_offset(const int8_t* p, I (&out)[2]) {
+        out[0] = load_widen_s8(p);
+        out[1] = load_widen_s8(p + kBytes / 2);
+    }
+
     // ---- Canny
     static I adds_s16(I a, I b) { return _mm256_adds_epi16(a, b); }
     static I subs_s16(I a, I b) { return _mm256_subs_epi16(a, b); }

@@ -257,6 +257,15 @@ struct Sse2 {
     // (counts from 16 on give 0 or -1).
     static I sra16(I v, int count) { return _mm_sra_epi16(v, _mm_cvtsi32_si128(count)); }
 
+    // kBytes bytes from memory into two vectors of 16-bit lanes, in order.
+    static void load_widen16_u8(const uint8_t* p, I (&out)[2]) { widen_u8(load(p), out[0], out[1]); }
+    // Signed bytes the same way, offset by a constant of the set's choosing
+    // (here 128, the bytes moved to the unsigned range, which widen fastest):
+    // for sums whose weights add up to zero, where the offset cancels.
+    static void load_widen16_s8_offset(const int8_t* p, I (&out)[2]) {
+        widen_u8(xor_(load(p), set8(0x80)), out[0], out[1]);
+    }
+
     // ---- Canny
     static I adds_s16(I a, I b) { return _mm_adds_epi16(a, b); }
     static I subs_s16(I a, I b) { return _mm_subs_epi16(a, b); }

@@ -96,4 +96,24 @@ inline OruStatus check_accumulator_order(const void* src1, StepOf src1Step, cons
     return check_order_b({src1, src2, mask, acc}, {src1Step, src2Step, maskStep, {accStep, 4}}, roi);
 }
 
+// Fixed 3x3 derivative filters: pointers; steps below 1 (oruStsStep); width
+// below 1 or height below 2 (oruStsSize); a step not a whole number of its
+// elements (oruStsNotEvenStep; 8-bit steps never fail); for the one member
+// whose steps must hold a row, steps below the row (oruStsSize); origin
+// other than 0 and 1, then shift below 0 (oruStsBadArg). Members without an
+// origin or a shift pass 0.
+inline OruStatus check_fixed_filter_order(const void* src, StepOf srcStep, const void* dst, StepOf dstStep,
+                                          OruSize roi, bool steps_hold_rows, int origin, int shift) {
+    if (any_null({src, dst})) return oruStsNullPointer;
+    if (any_step_below({srcStep.step, dstStep.step}, 1)) return oruStsStep;
+    if (roi.width < 1 || roi.height < 2) return oruStsSize;
+    if (srcStep.step % srcStep.pixel_bytes != 0 || dstStep.step % dstStep.pixel_bytes != 0) return oruStsNotEvenStep;
+    if (steps_hold_rows && (srcStep.step < row_bytes(roi.width, srcStep.pixel_bytes) ||
+                            dstStep.step < row_bytes(roi.width, dstStep.pixel_bytes)))
+        return oruStsSize;
+    if (origin != 0 && origin != 1) return oruStsBadArg;
+    if (shift < 0) return oruStsBadArg;
+    return oruStsOk;
+}
+
 }  // namespace orucv
