@@ -116,4 +116,24 @@ inline OruStatus check_fixed_filter_order(const void* src, StepOf srcStep, const
     return oruStsOk;
 }
 
+// Canny scratch size: width or height below 1 (oruStsSize) before a null
+// result pointer.
+inline OruStatus check_canny_size_order(OruSize roi, const void* result) {
+    if (roi.width < 1 || roi.height < 1) return oruStsSize;
+    if (!result) return oruStsNullPointer;
+    return oruStsOk;
+}
+
+// Canny: pointers (derivatives, edges, buffer); steps below 1 (oruStsStep);
+// width or height below 1 (oruStsSize); an odd derivative step
+// (oruStsNotEvenStep; the edge step may be odd); then a low threshold not
+// >= 0 or a high one not >= the low one (oruStsBadArg; NaN fails too).
+inline OruStatus check_canny_order(const void* dx, int dxStep, const void* dy, int dyStep, const void* edges,
+                                   int edgeStep, OruSize roi, float low, float high, const void* buffer) {
+    if (OruStatus s = check_order_a({dx, dy, edges, buffer}, {dxStep, dyStep, edgeStep}, roi)) return s;
+    if (any_step_not_multiple({dxStep, dyStep}, 2)) return oruStsNotEvenStep;
+    if (!(low >= 0.0f) || !(high >= low)) return oruStsBadArg;
+    return oruStsOk;
+}
+
 }  // namespace orucv
