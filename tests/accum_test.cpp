@@ -11,6 +11,7 @@
 
 #include "accum_list.h"
 #include "orucv.h"
+#include "support/bits.h"
 #include "support/image.h"
 #include "support/simd.h"
 
@@ -73,17 +74,6 @@ struct Function {
 #define ACCUM_FUNCTION(name, op, S, masked) \
     Function{#name, Op::op, sizeof(S), std::is_same<S, Oru8s>::value, masked, call_##op##_##masked<S, name>},
 const Function kFunctions[] = {ORUCV_ACCUM_FUNCTIONS(ACCUM_FUNCTION)};
-
-uint32_t bits(float f) {
-    uint32_t b;
-    std::memcpy(&b, &f, 4);
-    return b;
-}
-float from_bits(uint32_t b) {
-    float f;
-    std::memcpy(&f, &b, 4);
-    return f;
-}
 
 const float kInf = std::numeric_limits<float>::infinity();
 const float kNaN = std::numeric_limits<float>::quiet_NaN();

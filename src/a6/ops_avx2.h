@@ -188,52 +188,55 @@ struct Avx2 {
         return r;
     }
     static F andnotf(F a, F b) { return _mm256_andnot_ps(a, b); }
-    static void widen32_u8(I x, I (&out)[4]) {
-        const __m128i lo = low(x), hi = high(x);
-        out[0] = _mm256_cvtepu8_epi32(lo);
-        out[1] = _mm256_cvtepu8_epi32(_mm_unpackhi_epi64(lo, lo));
-        out[2] = _mm256_cvtepu8_epi32(hi);
-        out[3] = _mm256_cvtepu8_epi32(_mm_unpackhi_epi64(hi, hi));
-    }
-    static void widen32_s8(I x, I (&out)[4]) {
-        const __m128i lo = low(x), hi = high(x);
-        out[0] = _mm256_cvtepi8_epi32(lo);
-        out[1] = _mm256_cvtepi8_epi32(_mm_unpackhi_epi64(lo, lo));
-        out[2] = _mm256_cvtepi8_epi32(hi);
-        out[3] = _mm256_cvtepi8_epi32(_mm_unpackhi_epi64(hi, hi));
-    }
-    // In 32-bit lanes: no widening of the products is needed.
-    static void mul_widen32_u8(I a, I b, I (&out)[4]) {
-        I x[4], y[4];
-        widen32_u8(a, x);
-        widen32_u8(b, y);
-        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
-    }
-    static void mul_widen32_s8(I a, I b, I (&out)[4]) {
-        I x[4], y[4];
-        widen32_s8(a, x);
-        widen32_s8(b, y);
-        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
-    }
-    // From memory, widening loads take the place of the shuffles.
-    static __m128i load8(const void* p) { return _mm_loadl_epi64(static_cast<const __m128i*>(p)); }
-    static void load_widen32_u8(const uint8_t* p, I (&out)[4]) {
-        for (int k = 0; k < 4; ++k) out[k] = _mm256_cvtepu8_epi32(load8(p + 8 * k));
-    }
-    static void load_widen32_s8(const int8_t* p, I (&out)[4]) {
-        for (int k = 0; k < 4; ++k) out[k] = _mm256_cvtepi8_epi32(load8(p + 8 * k));
-    }
+    static void widen32_u8(I x, I (&out)[4]) { widen32<false>(x, out); }
+    static void widen32_s8(I x, I (&out)[4]) { widen32<true>(x, out); }
+    static void mul_widen32_u8(I a, I b, I (&out)[4]) { mul_widen32<false>(a, b, out); }
+    static void mul_widen32_s8(I a, I b, I (&out)[4]) { mul_widen32<true>(a, b, out); }
+    static void load_widen32_u8(const uint8_t* p, I (&out)[4]) { load_widen32<false>(p, out); }
+    static void load_widen32_s8(const int8_t* p, I (&out)[4]) { load_widen32<true>(p, out); }
     static void load_mul_widen32_u8(const uint8_t* a, const uint8_t* b, I (&out)[4]) {
-        I x[4], y[4];
-        load_widen32_u8(a, x);
-        load_widen32_u8(b, y);
-        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
+        load_mul_widen32<false>(a, b, out);
     }
     static void load_mul_widen32_s8(const int8_t* a, const int8_t* b, I (&out)[4]) {
-        I x[4], y[4];
-        load_widen32_s8(a, x);
-        load_widen32_s8(b, y);
+        load_mul_widen32<true>(a, b, out);
+    }
+    // The eight bytes at the bottom of v into 32-bit lanes.
+    template <bool kSigned>
+    static I widen8_32(__m128i v) {
+        return kSigned ? _mm256_cvtepi8_epi32(v) : _mm256_cvtepu8_epi32(v);
+    }
+    template <bool kSigned>
+    static void widen32(I x, I (&out)[4]) {
+        const __m128i lo = low(x), hi = high(x);
+        out[0] = widen8_32<kSigned>(lo);
+        out[1] = widen8_32<kSigned>(_mm_unpackhi_epi64(lo, lo));
+        out[2] = widen8_32<kSigned>(hi);
+        out[3] = widen8_32<kSigned>(_mm_unpackhi_epi64(hi, hi));
+    }
+    // From memory, widening loads take the place of the shuffles.
+    template <bool kSigned>
+    static void load_widen32(const void* p, I (&out)[4]) {
+        for (int k = 0; k < 4; ++k)
+            out[k] = widen8_32<kSigned>(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(
+                static_cast<const uint8_t*>(p) + 8 * k)));
+    }
+    // Products in 32-bit lanes: they need no widening.
+    static void mullo32(const I (&x)[4], const I (&y)[4], I (&out)[4]) {
         for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
+    }
+    template <bool kSigned>
+    static void mul_widen32(I a, I b, I (&out)[4]) {
+        I x[4], y[4];
+        widen32<kSigned>(a, x);
+        widen32<kSigned>(b, y);
+        mullo32(x, y, out);
+    }
+    template <bool kSigned>
+    static void load_mul_widen32(const void* a, const void* b, I (&out)[4]) {
+        I x[4], y[4];
+        load_widen32<kSigned>(a, x);
+        load_widen32<kSigned>(b, y);
+        mullo32(x, y, out);
     }
     static void load_eq0_mask32(const uint8_t* p, I (&out)[4]) {
         load_widen32_u8(p, out);
