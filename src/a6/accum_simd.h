@@ -23,8 +23,9 @@ struct AccumRows {
     static constexpr bool kSigned = std::is_same<S, Oru8s>::value;
 
     // kBlock 8-bit values of type S in 32-bit lanes, zero- or sign-extended,
-    // and their products, exact there too; from memory, or from registers
-    // whose bytes were cleared first.
+    // and their products, exact there too; from memory, or from a register
+    // whose bytes were cleared first (a second factor from memory: where the
+    // first is 0 the product is 0).
     template <class S>
     static void widen32(const S* p, I (&out)[4]) {
         if constexpr (kSigned<S>) V::load_widen32_s8(p, out);
@@ -40,14 +41,14 @@ struct AccumRows {
         if constexpr (kSigned<S>) V::load_mul_widen32_s8(a, b, out);
         else V::load_mul_widen32_u8(a, b, out);
     }
-    template <class S>
-    static void mul_widen32(I a, I b, I (&out)[4]) {
+    template <class S, class B>
+    static void mul_widen32(I a, B b, I (&out)[4]) {
         if constexpr (kSigned<S>) V::mul_widen32_s8(a, b, out);
         else V::mul_widen32_u8(a, b, out);
     }
     // The 8-bit addends of a block, or its values for the weighted average.
-    template <AccumOp op, class S, class Bytes>
-    static void addends(Bytes a, Bytes b, I (&out)[4]) {
+    template <AccumOp op, class S, class A>
+    static void addends(A a, const S* b, I (&out)[4]) {
         if constexpr (op == AccumOp::Square) mul_widen32<S>(a, a, out);
         else if constexpr (op == AccumOp::Product) mul_widen32<S>(a, b, out);
         else widen32<S>(a, out);
@@ -81,7 +82,7 @@ struct AccumRows {
             I x[4];
             if constexpr (kClearAddend) {
                 const I a = V::andnot(V::cmpeq8(V::load(mask), V::zero()), V::load(s1));
-                addends<op, S>(a, op == AccumOp::Product ? V::load(s2) : a, x);
+                addends<op, S>(a, s2, x);
             } else {
                 addends<op, S>(s1, s2, x);
             }

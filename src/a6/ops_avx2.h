@@ -192,6 +192,8 @@ struct Avx2 {
     static void widen32_s8(I x, I (&out)[4]) { widen32<true>(x, out); }
     static void mul_widen32_u8(I a, I b, I (&out)[4]) { mul_widen32<false>(a, b, out); }
     static void mul_widen32_s8(I a, I b, I (&out)[4]) { mul_widen32<true>(a, b, out); }
+    static void mul_widen32_u8(I a, const uint8_t* b, I (&out)[4]) { mul_widen32<false>(a, b, out); }
+    static void mul_widen32_s8(I a, const int8_t* b, I (&out)[4]) { mul_widen32<true>(a, b, out); }
     static void load_widen32_u8(const uint8_t* p, I (&out)[4]) { load_widen32<false>(p, out); }
     static void load_widen32_s8(const int8_t* p, I (&out)[4]) { load_widen32<true>(p, out); }
     static void load_mul_widen32_u8(const uint8_t* a, const uint8_t* b, I (&out)[4]) {
@@ -229,6 +231,13 @@ struct Avx2 {
         I x[4], y[4];
         widen32<kSigned>(a, x);
         widen32<kSigned>(b, y);
+        mullo32(x, y, out);
+    }
+    template <bool kSigned>
+    static void mul_widen32(I a, const void* b, I (&out)[4]) {
+        I x[4], y[4];
+        widen32<kSigned>(a, x);
+        load_widen32<kSigned>(b, y);
         mullo32(x, y, out);
     }
     template <bool kSigned>

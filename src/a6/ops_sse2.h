@@ -232,6 +232,9 @@ struct Sse2 {
         widen_s16(mullo16(a0, b0), out[0], out[1]);
         widen_s16(mullo16(a1, b1), out[2], out[3]);
     }
+    // The same with b from memory.
+    static void mul_widen32_u8(I a, const uint8_t* b, I (&out)[4]) { mul_widen32_u8(a, load(b), out); }
+    static void mul_widen32_s8(I a, const int8_t* b, I (&out)[4]) { mul_widen32_s8(a, load(b), out); }
     // The same from memory.
     static void load_widen32_u8(const uint8_t* p, I (&out)[4]) { widen32_u8(load(p), out); }
     static void load_widen32_s8(const int8_t* p, I (&out)[4]) { widen32_s8(load(p), out); }
