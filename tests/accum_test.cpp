@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -120,6 +121,23 @@ struct Source {
 };
 
 }  // namespace
+
+// The list makes both the wrappers and this test's table, so its columns
+// are checked against what each name says.
+TEST(AccumList, ColumnsFollowTheNames) {
+    for (const Function& fn : kFunctions) {
+        const std::string name = fn.name;
+        SCOPED_TRACE(name);
+        auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
+        EXPECT_EQ(fn.op, has("AddSquare_")    ? Op::Square
+                         : has("AddProduct_") ? Op::Product
+                         : has("AddWeighted_") ? Op::Weighted
+                                               : Op::Add);
+        EXPECT_EQ(fn.masked, has("_C1IMR"));
+        EXPECT_EQ(fn.bytes, has("_32f_") ? 4 : 1);
+        EXPECT_EQ(fn.is_signed, has("_8s32f_"));
+    }
+}
 
 // Order B: pointers, then sizes and every step (short or misaligned float
 // steps) as oruStsSize; a failed call writes nothing; empty regions succeed.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include "frame_list.h"
 #include "orucv.h"
@@ -182,9 +183,17 @@ void check_Merge() {
 
 struct Copy {
     const char* name;
+    std::string layout;  // the descriptor the list's shape and channels give
     void (*check)();
 };
-#define COPY_FUNCTION(name, shape, T, C) Copy{#name, check_##shape<T, C, name>},
+const std::string kLayout_Channel = "_C#CC1R", kLayout_Split = "_C#P#R", kLayout_Merge = "_P#C#R";
+std::string layout(std::string pattern, int channels, bool is_float) {
+    for (char& c : pattern)
+        if (c == '#') c = static_cast<char>('0' + channels);
+    return (is_float ? "_32f" : "_8u") + pattern;
+}
+#define COPY_FUNCTION(name, shape, T, C) \
+    Copy{#name, layout(kLayout_##shape, C, sizeof(T) == 4), check_##shape<T, C, name>},
 const Copy kCopies[] = {ORUCV_COPY_FUNCTIONS(COPY_FUNCTION)};
 
 }  // namespace
@@ -194,6 +203,10 @@ const Copy kCopies[] = {ORUCV_COPY_FUNCTIONS(COPY_FUNCTION)};
 TEST(CopyKernels, EveryCopyOnEveryPath) {
     for (const Copy& copy : kCopies) {
         SCOPED_TRACE(copy.name);
+        // The list makes both the copies and this table: its columns must
+        // say what the name says.
+        const std::string name = copy.name;
+        EXPECT_EQ(name.substr(name.find('_', 3)), copy.layout);
         copy.check();
     }
 }

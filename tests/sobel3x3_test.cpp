@@ -212,6 +212,22 @@ void overlapping_rows(const Fn& fn, int origin, int shift) {
 
 }  // namespace
 
+// ---- The list --------------------------------------------------------------
+
+// The list makes both the wrappers and this test's table, so its columns
+// are checked against what each name says.
+TEST(Sobel3x3List, ColumnsFollowTheNames) {
+    const char* const filter_part[] = {"Sobel3x3_Dx_", "Sobel3x3_Dy_",  "Sobel3x3_D2x_", "Sobel3x3_D2y_",
+                                       "Sobel3x3_DxDy_", "Scharr_Dx_", "Scharr_Dy_"};
+    const char* const src_part[] = {"_8u16s_", "_8s16s_", "_32f_"};
+    for (const Fn& fn : kFunctions) {
+        const std::string name = fn.name;
+        SCOPED_TRACE(name);
+        EXPECT_NE(name.find(filter_part[fn.filter]), std::string::npos);
+        EXPECT_NE(name.find(src_part[static_cast<int>(fn.src)]), std::string::npos);
+    }
+}
+
 // ---- Checks ----------------------------------------------------------------
 
 TEST(Sobel3x3Checks, OrderOfChecks) {
