@@ -6,9 +6,13 @@
 #pragma once
 
 #include "absdiff_list.h"
+#include "eigen_list.h"
+#include "filter_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
-    ORUCV_ABSDIFF_FUNCTIONS(X)
+    ORUCV_ABSDIFF_FUNCTIONS(X)   \
+    ORUCV_FILTER_FUNCTIONS(X)    \
+    ORUCV_EIGEN_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared
 // name is listed waits for them.

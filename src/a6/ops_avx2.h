@@ -175,6 +175,12 @@ struct Avx2 {
         h = _mm_add_epi32(h, _mm_shuffle_epi32(h, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(h);
     }
+
+    // ---- Corner eigenvalues
+    static I load_widen4_s16(const int16_t* p) {
+        return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    }
+    static F sqrtf(F v) { return _mm256_sqrt_ps(v); }
 };
 
 }  // namespace

@@ -188,6 +188,14 @@ struct Sse2 {
         v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(v);
     }
+
+    // ---- Corner eigenvalues
+    // kFloats 16-bit samples from memory into 32-bit lanes, sign extended.
+    static I load_widen4_s16(const int16_t* p) {
+        const I x = load_half(p);
+        return _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16);
+    }
+    static F sqrtf(F v) { return _mm_sqrt_ps(v); }
 };
 
 }  // namespace
