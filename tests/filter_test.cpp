@@ -74,14 +74,6 @@ struct Spec {
     ~Spec() { oruiConvolFree(&p); }
 };
 
-template <class T>
-Plain<T> plain_of(const GuardedImage<T>& img) {
-    Plain<T> p(img.width(), img.height());
-    for (int y = 0; y < img.height(); ++y)
-        for (int x = 0; x < img.width(); ++x) p.at(x, y) = img.at(x, y);
-    return p;
-}
-
 template <class S, class D>
 Plain<D> model(const Config& c, const Plain<S>& s) {
     if constexpr (sizeof(S) == 4) {

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -41,6 +42,15 @@ struct Plain {
         return px[static_cast<size_t>(y) * w + x];
     }
 };
+
+// The region of a test image (anything with width(), height() and at()).
+template <class Image>
+auto plain_of(const Image& img) {
+    Plain<typename std::decay<decltype(img.at(0, 0))>::type> p(img.width(), img.height());
+    for (int y = 0; y < img.height(); ++y)
+        for (int x = 0; x < img.width(); ++x) p.at(x, y) = img.at(x, y);
+    return p;
+}
 
 inline float model_nan(float v) { return v == v ? v : std::nanf(""); }
 
