@@ -9,7 +9,6 @@
 // place, and their box sums come back into rows 0..7 of the same planes.
 #pragma once
 
-#include <cmath>
 #include <cstdint>
 
 #include "a6/filter.h"
@@ -50,6 +49,9 @@ extern template OruStatus corners(const float*, int, float*, int, OruSize, int, 
 
 namespace scalar {
 
+// __builtin_sqrtf and __builtin_fabsf become single instructions (no errno
+// is kept), where the <cmath> overloads are inline functions that a Debug
+// build of an instruction-set file would define as weak symbols.
 constexpr float kEigenEpsilon = 1.1920928955078125e-7f;  // 2^-23
 constexpr float kEigenThreshold = 0.01f;
 
@@ -76,7 +78,7 @@ static inline void products_32f(float* xx, float* xy, float* yy, int n, int x0 =
 
 static inline float min_eigen_value(float sxx, float sxy, float syy, float k) {
     const float p = 0.5f * sxx, q = 0.5f * syy, t = p - q;
-    return ((p + q) - std::sqrt(sxy * sxy + t * t)) * k;
+    return ((p + q) - __builtin_sqrtf(sxy * sxy + t * t)) * k;
 }
 
 static inline void min_eigen(const float* sxx, const float* sxy, const float* syy, float* dst, int n, float k,
@@ -90,19 +92,19 @@ static inline void eigen_vv_pixel(float sxx, float sxy, float syy, float k, floa
     const float t = kEigenThreshold * scalar_maxf(a, c);
     for (int i = 0; i < 6; ++i) out[i] = 0.0f;
     if (scalar_minf(a, c) < t) return;
-    if (std::fabs(b) < t) {
+    if (__builtin_fabsf(b) < t) {
         out[0] = a, out[1] = c, out[2] = 1.0f, out[5] = 1.0f;
         return;
     }
     const float det = a * c - b * b;
     if (det < t) return;
     const float s = a + c;
-    const float d = std::sqrt(s * s - 4.0f * det);
+    const float d = __builtin_sqrtf(s * s - 4.0f * det);
     out[0] = (s + d) * 0.5f;
     out[1] = (s - d) * 0.5f;
     for (int i = 0; i < 2; ++i) {
         const float u = out[i] - a;
-        float m = std::sqrt(u * u + b * b);
+        float m = __builtin_sqrtf(u * u + b * b);
         if (m == 0.0f) m = kEigenEpsilon;
         out[2 + 2 * i] = b / m;
         out[3 + 2 * i] = u / m;

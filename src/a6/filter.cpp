@@ -1,5 +1,7 @@
 #include "a6/filter.h"
 
+#include <utility>
+
 #include "core/bytes.h"
 #include "core/cpu.h"
 #include "core/rows.h"
@@ -12,41 +14,63 @@ namespace a6 {
 
 namespace {
 
-template <int M>
-constexpr void fill_counted(FilterKernels& k) {
-    k.across_8u[M] = scalar::across<M, uint8_t, int16_t, int16_t>;
-    k.across_8s[M] = scalar::across<M, int8_t, int16_t, int16_t>;
-    k.across_32f[M] = scalar::across<M, float, float, float>;
-    k.down_16s[M] = [](const int16_t* const* rows, int16_t* dst, int n, const int16_t* c) {
-        scalar::down<M>(rows, dst, n, c);
-    };
-    k.down_32f[M] = [](const float* const* rows, float* dst, int n, const float* c) { scalar::down<M>(rows, dst, n, c); };
+template <int R, int D>
+constexpr void fill_order(FilterKernels& k) {
+    constexpr int M = kernel_cells(2 * R + 1, D, false).count;
+    k.across_8u[R][D] = scalar::across<M, uint8_t, int16_t>;
+    k.across_8s[R][D] = scalar::across<M, int8_t, int16_t>;
+    k.across_32f[R][D] = scalar::across<M, float, float>;
+    for (int neg = 0; neg < 2; ++neg) {
+        k.down_16s[R][D][neg] = [](const int16_t* const* rows, int16_t* dst, const int16_t* c, int x0, int x1) {
+            scalar::down<M>(rows, dst, c, x0, x1);
+        };
+        k.down_32f[R][D][neg] = [](const float* const* rows, float* dst, const float* c, int x0, int x1) {
+            scalar::down<M>(rows, dst, c, x0, x1);
+        };
+    }
 }
 
-template <int R>
-constexpr void fill_radius(FilterKernels& k) {
-    constexpr int a = laplace_taps_smooth(R), b = laplace_taps_second(R);
+template <int R, int... D>
+constexpr void fill_radius(FilterKernels& k, std::integer_sequence<int, D...>) {
+    (fill_order<R, D>(k), ...);
+    constexpr int a = laplace_taps_second(R), b = laplace_taps_smooth(R);
+    k.laplace_across_8u[R] = scalar::laplace_across<a, b, uint8_t, int16_t>;
+    k.laplace_across_8s[R] = scalar::laplace_across<a, b, int8_t, int16_t>;
+    k.laplace_across_32f[R] = scalar::laplace_across<a, b, float, float>;
+    // Down: order 0 over the order-2 rows, plus order 2 over the order-0 rows.
     k.laplace_16s[R] = [](const int16_t* const* pa, const int16_t* ca, const int16_t* const* pb, const int16_t* cb,
-                          int16_t* dst, int n) { scalar::laplace<a, b>(pa, ca, pb, cb, dst, n); };
+                          int16_t* dst, int x0, int x1) { scalar::laplace<b, a>(pa, ca, pb, cb, dst, x0, x1); };
     k.laplace_32f[R] = [](const float* const* pa, const float* ca, const float* const* pb, const float* cb, float* dst,
-                          int n) { scalar::laplace<a, b>(pa, ca, pb, cb, dst, n); };
+                          int x0, int x1) { scalar::laplace<b, a>(pa, ca, pb, cb, dst, x0, x1); };
     k.box_8u[R] = scalar::box<R, uint8_t, int16_t>;
     k.box_8s[R] = scalar::box<R, int8_t, int16_t>;
     k.box_32f[R] = scalar::box<R, float, float>;
 }
 
+template <int M>
+constexpr void fill_any(FilterKernels& k) {
+    k.down_any_16s[M] = [](const int16_t* const* rows, int16_t* dst, const int16_t* c, int x0, int x1) {
+        scalar::down<M>(rows, dst, c, x0, x1);
+    };
+    k.down_any_32f[M] = [](const float* const* rows, float* dst, const float* c, int x0, int x1) {
+        scalar::down<M>(rows, dst, c, x0, x1);
+    };
+}
+
 constexpr FilterKernels scalar_table() {
     FilterKernels k{};
-    fill_counted<1>(k);
-    fill_counted<2>(k);
-    fill_counted<3>(k);
-    fill_counted<4>(k);
-    fill_counted<5>(k);
-    fill_counted<6>(k);
-    fill_counted<7>(k);
-    fill_radius<1>(k);
-    fill_radius<2>(k);
-    fill_radius<3>(k);
+    fill_radius<1>(k, std::make_integer_sequence<int, 3>());
+    fill_radius<2>(k, std::make_integer_sequence<int, 5>());
+    fill_radius<3>(k, std::make_integer_sequence<int, 7>());
+    fill_any<1>(k);
+    fill_any<2>(k);
+    fill_any<3>(k);
+    fill_any<4>(k);
+    fill_any<5>(k);
+    fill_any<6>(k);
+    fill_any<7>(k);
+    k.laplace_any_16s = scalar::laplace_any<int16_t, int16_t>;
+    k.laplace_any_32f = scalar::laplace_any<float, float>;
     k.column_16s = [](int16_t* col, const int16_t* in, const int16_t* out, int16_t* dst, int n) {
         scalar::column(col, in, out, dst, n);
     };
@@ -178,16 +202,29 @@ bool spec_accepts_flag(const FilterSpec* spec, int flag) { return spec->started 
 
 namespace {
 
-const AcrossRow<uint8_t, int16_t, int16_t>* across_of(const FilterKernels& k, const uint8_t*) { return k.across_8u; }
-const AcrossRow<int8_t, int16_t, int16_t>* across_of(const FilterKernels& k, const int8_t*) { return k.across_8s; }
-const AcrossRow<float, float, float>* across_of(const FilterKernels& k, const float*) { return k.across_32f; }
+AcrossRow<uint8_t, int16_t> across_of(const FilterKernels& k, const uint8_t*, int r, int d) { return k.across_8u[r][d]; }
+AcrossRow<int8_t, int16_t> across_of(const FilterKernels& k, const int8_t*, int r, int d) { return k.across_8s[r][d]; }
+AcrossRow<float, float> across_of(const FilterKernels& k, const float*, int r, int d) { return k.across_32f[r][d]; }
+LaplaceAcrossRow<uint8_t, int16_t> laplace_across_of(const FilterKernels& k, const uint8_t*, int r) {
+    return k.laplace_across_8u[r];
+}
+LaplaceAcrossRow<int8_t, int16_t> laplace_across_of(const FilterKernels& k, const int8_t*, int r) {
+    return k.laplace_across_8s[r];
+}
+LaplaceAcrossRow<float, float> laplace_across_of(const FilterKernels& k, const float*, int r) {
+    return k.laplace_across_32f[r];
+}
 const BoxRow<uint8_t, int16_t>* box_of(const FilterKernels& k, const uint8_t*) { return k.box_8u; }
 const BoxRow<int8_t, int16_t>* box_of(const FilterKernels& k, const int8_t*) { return k.box_8s; }
 const BoxRow<float, float>* box_of(const FilterKernels& k, const float*) { return k.box_32f; }
-const DownRow<int16_t, int16_t>* down_of(const FilterKernels& k, const int16_t*) { return k.down_16s; }
-const DownRow<float, float>* down_of(const FilterKernels& k, const float*) { return k.down_32f; }
-LaplaceRow<int16_t, int16_t> laplace_of(const FilterKernels& k, const int16_t*, int r) { return k.laplace_16s[r]; }
-LaplaceRow<float, float> laplace_of(const FilterKernels& k, const float*, int r) { return k.laplace_32f[r]; }
+DownRow<int16_t> down_of(const FilterKernels& k, const int16_t*, int r, int d, int neg) { return k.down_16s[r][d][neg]; }
+DownRow<float> down_of(const FilterKernels& k, const float*, int r, int d, int neg) { return k.down_32f[r][d][neg]; }
+DownRow<int16_t> down_any_of(const FilterKernels& k, const int16_t*, int m) { return k.down_any_16s[m]; }
+DownRow<float> down_any_of(const FilterKernels& k, const float*, int m) { return k.down_any_32f[m]; }
+LaplaceAnyRow<int16_t> laplace_any_of(const FilterKernels& k, const int16_t*) { return k.laplace_any_16s; }
+LaplaceAnyRow<float> laplace_any_of(const FilterKernels& k, const float*) { return k.laplace_any_32f; }
+LaplaceRow<int16_t> laplace_of(const FilterKernels& k, const int16_t*, int r) { return k.laplace_16s[r]; }
+LaplaceRow<float> laplace_of(const FilterKernels& k, const float*, int r) { return k.laplace_32f[r]; }
 ColumnRow<int16_t> column_of(const FilterKernels& k, const int16_t*) { return k.column_16s; }
 ColumnRow<float> column_of(const FilterKernels& k, const float*) { return k.column_32f; }
 ColumnInit<int16_t> column_init_of(const FilterKernels& k, const int16_t*) { return k.column_init_16s; }
@@ -231,23 +268,44 @@ private:
         return (y < 0 ? 0 : y > last ? last : y) % period;
     }
 
-    // Sobel and Laplace: n rows across (Laplace: n of each kernel), then
-    // every destination row whose window has arrived.
+    // Sobel and Laplace: each source row across (Laplace: with both
+    // kernels), then the destination row whose window it completes.
     void separable(int height, bool last) {
         const Taps& tx = spec_.tx;
         const Taps& ty = spec_.ty;
-        const auto across = across_of(k_, src_);
+        const auto across = across_of(k_, src_, r_, spec_.xorder);
+        const auto laplace_across = laplace_across_of(k_, src_, r_);
         for (int i = 0; i < height; ++i) {
             const int s = spec_.received % n_;
-            across[tx.count](src_row(i), ring(s), width_, r_, tx.index, coeffs(tx, dst_));
-            if (spec_.kind == kLaplace)
-                across[ty.count](src_row(i), ring(n_ + s), width_, r_, ty.index, coeffs(ty, dst_));
+            const S* in = src_row(i);
             ++spec_.received;
-            while (spec_.emitted + r_ < spec_.received) emit();
+            Emission e;
+            const bool emits = spec_.emitted + r_ < spec_.received;
+            if (emits) prepare(e);
+            // A piece of the destination row is formed after the next piece
+            // of the source row was read, so reading and writing overlap,
+            // and a destination on the source loses no pixel still to read.
+            for (int x0 = 0; x0 < width_; x0 += kPiece) {
+                const int x1 = width_ - x0 > kPiece ? x0 + kPiece : width_;
+                if (spec_.kind == kSobel) across(in, ring(s), width_, r_, tx, x0, x1);
+                else laplace_across(in, ring(s), ring(n_ + s), width_, r_, tx, ty, x0, x1);
+                if (emits && x0 > 0) emit(e, x0 - kPiece, x0);
+            }
+            if (emits) {
+                emit(e, (width_ - 1) / kPiece * kPiece, width_);
+                ++spec_.emitted;
+            }
         }
         if (last)
-            while (spec_.emitted < spec_.received) emit();
+            while (spec_.emitted < spec_.received) {
+                Emission e;
+                prepare(e);
+                emit(e, 0, width_);
+                ++spec_.emitted;
+            }
     }
+
+    static constexpr int kPiece = 512;  // pixels: above n/2, a multiple of every vector width
 
     // The ring rows of destination row y's taps and their weights; the taps
     // that meet the same replicated row add into one weight, and weights of
@@ -273,30 +331,37 @@ private:
         return kept;
     }
 
-    void emit() {
-        const int y = spec_.emitted;
-        const Taps& tx = spec_.tx;
-        const Taps& ty = spec_.ty;
-        D* out = next_dst_row();
+    // One destination row: its rows and weights.
+    struct Emission {
+        D* out;
         const D* a[kMaxKernel];
-        D ca[kMaxKernel];
-        const int ma = merged_taps(ty, y, 0, a, ca);
+        const D* b[kMaxKernel];
+        D ca[kMaxKernel], cb[kMaxKernel];
+        int ma, mb;
+    };
+
+    void prepare(Emission& e) const {
+        e.out = next_dst_row();
+        e.ma = merged_taps(spec_.ty, spec_.emitted, 0, e.a, e.ca);
+        e.mb = spec_.kind == kLaplace ? merged_taps(spec_.tx, spec_.emitted, n_, e.b, e.cb) : 0;
+    }
+
+    // Pixels [x0, x1) of the destination row.
+    void emit(const Emission& e, int x0, int x1) const {
         if (spec_.kind == kSobel) {
-            if (ma == 0) fill_bytes(out, 0, sizeof(D) * static_cast<size_t>(width_));
-            else down_of(k_, dst_)[ma](a, out, width_, ca);
+            const int neg = spec_.origin == 1 && spec_.yorder % 2 == 1;
+            if (e.ma == spec_.ty.count) down_of(k_, dst_, r_, spec_.yorder, neg)(e.a, e.out, e.ca, x0, x1);
+            else if (e.ma == 0) fill_bytes(e.out + x0, 0, sizeof(D) * static_cast<size_t>(x1 - x0));
+            else down_any_of(k_, dst_, e.ma)(e.a, e.out, e.ca, x0, x1);
         } else {
             // Laplace: order 2 across then order 0 down, plus order 0 across
             // then order 2 down. Rows whose taps merged (at most n/2 at the
-            // top and the bottom) take the twin's general form.
-            const D* b[kMaxKernel];
-            D cb[kMaxKernel];
-            const int mb = merged_taps(tx, y, n_, b, cb);
-            if (ma == laplace_taps_smooth(r_) && mb == laplace_taps_second(r_))
-                laplace_of(k_, dst_, r_)(a, ca, b, cb, out, width_);
+            // top and the bottom) take the general form.
+            if (e.ma == laplace_taps_smooth(r_) && e.mb == laplace_taps_second(r_))
+                laplace_of(k_, dst_, r_)(e.a, e.ca, e.b, e.cb, e.out, x0, x1);
             else
-                scalar::laplace_any(a, ca, ma, b, cb, mb, out, width_);
+                laplace_any_of(k_, dst_)(e.a, e.ca, e.ma, e.b, e.cb, e.mb, e.out, x0, x1);
         }
-        ++spec_.emitted;
     }
 
     // Blur: rows of horizontal sums in slots 0..n, the column sums in slot

@@ -96,15 +96,50 @@ int run_strip(FilterSpec* spec, const int8_t* src, int srcStep, int16_t* dst, in
 int run_strip(FilterSpec* spec, const float* src, int srcStep, float* dst, int dstStep, int height, int flag);
 
 // ---- Row kernels
-// Across: dst[x] = sum over taps of c * src[clamp(x + index - r)], x < n.
-template <class S, class D, class C>
-using AcrossRow = void (*)(const S* src, D* dst, int n, int r, const int32_t* index, const C* coeff);
+// The cells of the kernel of size n and order d (negated for an odd order
+// with origin 1) as constants, so vector loops can be specialised on them.
+struct KernelCells {
+    int c[kMaxKernel];
+    int count;  // nonzero cells
+    int first;  // the first nonzero cell
+};
+static constexpr KernelCells kernel_cells(int n, int d, bool negate) {
+    int c[kMaxKernel + 1] = {1, 0, 0, 0, 0, 0, 0, 0};
+    for (int i = 0; i < n - 1 - d; ++i)
+        for (int k = n; k >= 1; --k) c[k] = c[k] + c[k - 1];
+    for (int i = 0; i < d; ++i) {
+        for (int k = n; k >= 1; --k) c[k] = c[k - 1] - c[k];
+        c[0] = -c[0];
+    }
+    KernelCells out{{0, 0, 0, 0, 0, 0, 0}, 0, -1};
+    for (int k = 0; k < n; ++k) {
+        out.c[k] = negate && d % 2 == 1 ? -c[k] : c[k];
+        if (out.c[k] != 0) {
+            if (out.first < 0) out.first = k;
+            ++out.count;
+        }
+    }
+    return out;
+}
+
+// The row kernels of the separable filters work on pixels [x0, x1) of a
+// row of n, so the engine can run across and down a piece at a time.
+// Across: dst[x] = sum over the taps of c * src[clamp(x + index - r)].
+template <class S, class D>
+using AcrossRow = void (*)(const S* src, D* dst, int n, int r, const Taps& taps, int x0, int x1);
+// Laplace across: a = order-2 taps, b = order-0 taps of one source row.
+template <class S, class D>
+using LaplaceAcrossRow = void (*)(const S* src, D* a, D* b, int n, int r, const Taps& second, const Taps& smooth,
+                                  int x0, int x1);
 // Down: dst[x] = sum over taps t of coeff[t] * rows[t][x].
-template <class D, class C>
-using DownRow = void (*)(const D* const* rows, D* dst, int n, const C* coeff);
+template <class D>
+using DownRow = void (*)(const D* const* rows, D* dst, const D* coeff, int x0, int x1);
 // Laplace down: (sum of ca[t] * a[t][x]) + (sum of cb[t] * b[t][x]).
-template <class D, class C>
-using LaplaceRow = void (*)(const D* const* a, const C* ca, const D* const* b, const C* cb, D* dst, int n);
+template <class D>
+using LaplaceRow = void (*)(const D* const* a, const D* ca, const D* const* b, const D* cb, D* dst, int x0, int x1);
+template <class D>
+using LaplaceAnyRow = void (*)(const D* const* a, const D* ca, int ma, const D* const* b, const D* cb, int mb, D* dst,
+                               int x0, int x1);
 // Box across: dst[x] = sum of src[clamp(x + j)], j = -r..r in order.
 template <class S, class D>
 using BoxRow = void (*)(const S* src, D* dst, int n);
@@ -115,16 +150,26 @@ using ColumnRow = void (*)(D* col, const D* in, const D* out, D* dst, int n);
 template <class D>
 using ColumnInit = void (*)(D* col, const D* in, int factor, int n);
 
+// Radius r = n / 2 indexes 1..3; d the derivative order; neg 1 for a
+// negated (origin 1, odd order) y kernel.
 struct FilterKernels {
-    // Indexed by the tap count (1..7).
-    AcrossRow<uint8_t, int16_t, int16_t> across_8u[kMaxKernel + 1];
-    AcrossRow<int8_t, int16_t, int16_t> across_8s[kMaxKernel + 1];
-    AcrossRow<float, float, float> across_32f[kMaxKernel + 1];
-    DownRow<int16_t, int16_t> down_16s[kMaxKernel + 1];
-    DownRow<float, float> down_32f[kMaxKernel + 1];
-    // Indexed by the radius n / 2 (1..3).
-    LaplaceRow<int16_t, int16_t> laplace_16s[4];
-    LaplaceRow<float, float> laplace_32f[4];
+    AcrossRow<uint8_t, int16_t> across_8u[4][kMaxKernel];
+    AcrossRow<int8_t, int16_t> across_8s[4][kMaxKernel];
+    AcrossRow<float, float> across_32f[4][kMaxKernel];
+    DownRow<int16_t> down_16s[4][kMaxKernel][2];
+    DownRow<float> down_32f[4][kMaxKernel][2];
+    // Rows whose taps merged at the image's top or bottom, by tap count.
+    DownRow<int16_t> down_any_16s[kMaxKernel + 1];
+    DownRow<float> down_any_32f[kMaxKernel + 1];
+    LaplaceAcrossRow<uint8_t, int16_t> laplace_across_8u[4];
+    LaplaceAcrossRow<int8_t, int16_t> laplace_across_8s[4];
+    LaplaceAcrossRow<float, float> laplace_across_32f[4];
+    LaplaceRow<int16_t> laplace_16s[4];
+    LaplaceRow<float> laplace_32f[4];
+    // Laplace rows whose taps merged: any counts (ma, mb), an empty part
+    // left out.
+    LaplaceAnyRow<int16_t> laplace_any_16s;
+    LaplaceAnyRow<float> laplace_any_32f;
     BoxRow<uint8_t, int16_t> box_8u[4];
     BoxRow<int8_t, int16_t> box_8s[4];
     BoxRow<float, float> box_32f[4];
@@ -140,8 +185,8 @@ extern const FilterKernels filter_kernels_avx2;
 const FilterKernels& filter_kernels();
 
 // The nonzero taps of the Laplace kernels of each size (order 0 and 2).
-static constexpr int laplace_taps_smooth(int r) { return 2 * r + 1; }
-static constexpr int laplace_taps_second(int r) { return r == 2 ? 3 : 2 * r + 1; }
+static constexpr int laplace_taps_smooth(int r) { return kernel_cells(2 * r + 1, 0, false).count; }
+static constexpr int laplace_taps_second(int r) { return kernel_cells(2 * r + 1, 2, false).count; }
 
 namespace scalar {
 
@@ -198,17 +243,31 @@ static inline void across_range(const S* src, D* dst, int n, int r, const int32_
     }
 }
 
-template <int M, class S, class D, class C>
-static inline void across(const S* src, D* dst, int n, int r, const int32_t* index, const C* coeff) {
-    const int inner0 = r < n ? r : n, inner1 = n - r > inner0 ? n - r : inner0;
-    across_range(src, dst, n, r, index, coeff, M, 0, inner0);
+static inline const int16_t* coeffs_of(const Taps& t, int16_t) { return t.c16; }
+static inline const float* coeffs_of(const Taps& t, float) { return t.cf; }
+
+template <int M, class S, class D>
+static inline void across(const S* src, D* dst, int n, int r, const Taps& taps, int x0, int x1) {
+    const int32_t* index = taps.index;
+    const auto* coeff = coeffs_of(taps, D());
+    int inner0 = r < n ? r : n, inner1 = n - r > inner0 ? n - r : inner0;
+    inner0 = inner0 < x0 ? x0 : inner0 > x1 ? x1 : inner0;
+    inner1 = inner1 > x1 ? x1 : inner1 < inner0 ? inner0 : inner1;
+    across_range(src, dst, n, r, index, coeff, M, x0, inner0);
     for (int x = inner0; x < inner1; ++x) {  // no clamping needed
         const S* s = src + x - r;
         D acc = mul(static_cast<D>(coeff[0]), sample<D>(s + index[0]));
         for (int t = 1; t < M; ++t) acc = add(acc, mul(static_cast<D>(coeff[t]), sample<D>(s + index[t])));
         dst[x] = acc;
     }
-    across_range(src, dst, n, r, index, coeff, M, inner1, n);
+    across_range(src, dst, n, r, index, coeff, M, inner1, x1);
+}
+
+template <int MA, int MB, class S, class D>
+static inline void laplace_across(const S* src, D* a, D* b, int n, int r, const Taps& second, const Taps& smooth,
+                                  int x0, int x1) {
+    across<MA>(src, a, n, r, second, x0, x1);
+    across<MB>(src, b, n, r, smooth, x0, x1);
 }
 
 template <int M, class D, class C>
@@ -219,21 +278,21 @@ static inline D down_pixel(const D* const* rows, const C* coeff, int x) {
 }
 
 template <int M, class D, class C>
-static inline void down(const D* const* rows, D* dst, int n, const C* coeff, int x0 = 0) {
-    for (int x = x0; x < n; ++x) st(dst + x, finish(down_pixel<M>(rows, coeff, x)));
+static inline void down(const D* const* rows, D* dst, const C* coeff, int x0, int x1) {
+    for (int x = x0; x < x1; ++x) st(dst + x, finish(down_pixel<M>(rows, coeff, x)));
 }
 
 template <int MA, int MB, class D, class C>
-static inline void laplace(const D* const* a, const C* ca, const D* const* b, const C* cb, D* dst, int n, int x0 = 0) {
-    for (int x = x0; x < n; ++x) st(dst + x, finish(add(down_pixel<MA>(a, ca, x), down_pixel<MB>(b, cb, x))));
+static inline void laplace(const D* const* a, const C* ca, const D* const* b, const C* cb, D* dst, int x0, int x1) {
+    for (int x = x0; x < x1; ++x) st(dst + x, finish(add(down_pixel<MA>(a, ca, x), down_pixel<MB>(b, cb, x))));
 }
 
 // Laplace rows whose taps merged at the image's top or bottom: any counts,
 // an empty part left out.
 template <class D, class C>
 static inline void laplace_any(const D* const* a, const C* ca, int ma, const D* const* b, const C* cb, int mb, D* dst,
-                               int n) {
-    for (int x = 0; x < n; ++x) {
+                               int x0, int x1) {
+    for (int x = x0; x < x1; ++x) {
         D va = 0, vb = 0;
         for (int t = 0; t < ma; ++t) va = t ? add(va, mul(static_cast<D>(ca[t]), a[t][x])) : mul(static_cast<D>(ca[t]), a[t][x]);
         for (int t = 0; t < mb; ++t) vb = t ? add(vb, mul(static_cast<D>(cb[t]), b[t][x])) : mul(static_cast<D>(cb[t]), b[t][x]);

@@ -196,6 +196,10 @@ struct Sse2 {
         return _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16);
     }
     static F sqrtf(F v) { return _mm_sqrt_ps(v); }
+
+    // ---- General filters
+    // -v, the sign bit flipped (exact, as the scalar unary minus).
+    static F negf(F v) { return _mm_xor_ps(v, _mm_set1_ps(-0.0f)); }
 };
 
 }  // namespace
