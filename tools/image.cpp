@@ -19,27 +19,9 @@ std::string lower_extension(const std::string& path) {
     return ext;
 }
 
-// The whole image's limits, for the type it is held in.
-void check_whole(const RowReader& in, int channels, int bytes_per_sample, const ReadOptions& options) {
-    const uint64_t pixels = static_cast<uint64_t>(in.width()) * static_cast<uint64_t>(in.height());
-    const std::string size = std::to_string(in.width()) + "x" + std::to_string(in.height());
-    if (pixels > options.max_pixels)
-        throw ToolError("'" + in.path() + "' is " + size + " (" + std::to_string(pixels) +
-                        " pixels): more than the limit of " + std::to_string(options.max_pixels) +
-                        " pixels (--max-pixels raises it)");
-    const uint64_t bytes = pixels * channels * bytes_per_sample;
-    if (bytes > options.max_bytes() || bytes > SIZE_MAX / 2) {
-        char text[160];
-        std::snprintf(text, sizeof text, "needs %.1f MiB, more than the budget of %.1f MiB", bytes / 1048576.0,
-                      options.max_bytes() / 1048576.0);
-        throw ToolError("'" + in.path() + "' is " + size + ": the image " + text +
-                        " (4 bytes per pixel of --max-pixels, which raises it)");
-    }
-}
-
 // Rows are appended as they are decoded into reserved memory, so a file
 // that ends early has touched only the rows it held.
-template <class T, class Img>
+template <class Img>
 void read_rows(RowReader& in, Img& image) {
     const size_t row = in.row_samples();
     image.pixels.reserve(row * in.height());
@@ -83,25 +65,23 @@ OutputFormat output_format(const std::string& path) {
 bool keeps_values(OutputFormat format) { return format == OutputFormat::Pfm || format == OutputFormat::Npy; }
 
 ImageInfo probe_image(const std::string& path, const ReadOptions& options) {
-    return RowReader(path, options, RowReader::Exact).info();
+    return RowReader(path, options, RowReader::Exact, RowReader::AsIs, 1).info();
 }
 
 Image read_image(const std::string& path, const ReadOptions& options) {
-    RowReader in(path, options, RowReader::Bytes);
-    check_whole(in, in.channels(), 1, options);
+    RowReader in(path, options, RowReader::Bytes, RowReader::AsIs, 1);
     Image image;
     image.width = in.width(), image.height = in.height(), image.channels = in.channels();
-    read_rows<uint8_t>(in, image);
+    read_rows(in, image);
     return image;
 }
 
 FloatImage read_float_image(const std::string& path, const ReadOptions& options) {
-    RowReader in(path, options, RowReader::Exact);
-    check_whole(in, in.channels(), 4, options);
+    RowReader in(path, options, RowReader::Exact, RowReader::AsIs, 4);
     FloatImage image;
     image.width = in.width(), image.height = in.height(), image.channels = in.channels();
     image.depth = in.info().sample == Sample::U8 ? 8 : in.info().sample == Sample::U16 ? 16 : 0;
-    read_rows<float>(in, image);
+    read_rows(in, image);
     return image;
 }
 

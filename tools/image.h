@@ -109,7 +109,8 @@ struct ImageInfo {
     std::string depth_name() const;
 };
 
-// Header of a file without reading its pixels (limits checked).
+// Header of a file without reading its pixels, for commands that read the
+// image whole: its pixel count is checked against the limit.
 ImageInfo probe_image(const std::string& path, const ReadOptions& options);
 // For commands that work on 8-bit pixels: 8-bit files as they are, 16-bit
 // files converted as --to8 says (refused without it), float files refused.

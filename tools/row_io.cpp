@@ -77,17 +77,18 @@ std::string mib(uint64_t bytes) {
     return text;
 }
 
-// The one limit: `rows` rows of the image held at once as `held` samples.
-void check_limits(const std::string& path, const ImageInfo& info, uint64_t rows, Sample held,
+// The one limit: `rows` rows of the image held at once, `channels` samples
+// of `sample_size` bytes per pixel.
+void check_limits(const std::string& path, const ImageInfo& info, uint64_t rows, int channels, int sample_size,
                   const ReadOptions& options) {
     const uint64_t w = static_cast<uint64_t>(info.width);
     const uint64_t pixels = w * rows;
     const std::string size = std::to_string(info.width) + "x" + std::to_string(info.height);
     if (pixels > options.max_pixels)
-        fail(path, "is " + size + (rows == 1 ? ": a row of " : ", ") + std::to_string(pixels) +
-                       " pixels is more than the limit of " + std::to_string(options.max_pixels) +
-                       " pixels (--max-pixels raises it)");
-    const uint64_t bytes = pixels * static_cast<uint64_t>(info.channels) * sample_bytes(held);
+        fail(path, "is " + size + (rows == 1 ? ": a row of " : " (") + std::to_string(pixels) +
+                       (rows == 1 ? " pixels is more" : " pixels): more") + " than the limit of " +
+                       std::to_string(options.max_pixels) + " pixels (--max-pixels raises it)");
+    const uint64_t bytes = pixels * static_cast<uint64_t>(channels) * static_cast<uint64_t>(sample_size);
     if (bytes > options.max_bytes() || bytes > SIZE_MAX / 2)
         fail(path, "is " + size + ": " + (rows == 1 ? "a row" : "the image") + " needs " + mib(bytes) +
                        ", more than the budget of " + mib(options.max_bytes()) +
@@ -125,8 +126,11 @@ public:
         if (info.maxval < 1 || info.maxval > 65535) fail(path_, "maxval must lie in 1..65535");
         info.sample = info.maxval > 255 ? Sample::U16 : Sample::U8;
         bytes_ = info.sample == Sample::U16 ? 2 : 1;
+    }
+
+    void start() override {
         if (!plain_)
-            check_data_size(f, path_,
+            check_data_size(file_.get(), path_,
                             static_cast<uint64_t>(info.width) * info.height * info.channels * bytes_);
     }
 
@@ -227,8 +231,9 @@ public:
         swap_ = (scale < 0) != little_endian();
         data_ = std::ftell(f);
         row_bytes_ = static_cast<uint64_t>(info.width) * info.channels * 4;
-        check_data_size(f, path_, row_bytes_ * info.height);
     }
+
+    void start() override { check_data_size(file_.get(), path_, row_bytes_ * info.height); }
 
     void read(void* row) override {
         const uint64_t offset = data_ + row_bytes_ * static_cast<uint64_t>(info.height - 1 - y_++);
@@ -315,8 +320,9 @@ public:
         info.sample = file_sample_ == Sample::I16 ? Sample::F32 : file_sample_;
         info.maxval = file_sample_ == Sample::U8 ? 255 : file_sample_ == Sample::U16 ? 65535 : 0;
         row_bytes_ = static_cast<uint64_t>(info.width) * file_channels_ * sample_bytes(file_sample_);
-        check_data_size(f, path_, row_bytes_ * info.height);
     }
+
+    void start() override { check_data_size(file_.get(), path_, row_bytes_ * info.height); }
 
     void read(void* row) override {
         raw_.resize(row_bytes_);
@@ -484,7 +490,7 @@ private:
 std::unique_ptr<RowDecoder> open_decoder(const std::string& path, const ReadOptions& options, File file) {
     unsigned char magic[8] = {};
     const size_t got = std::fread(magic, 1, sizeof magic, file.get());
-    std::rewind(file.get());
+    if (std::fseek(file.get(), 0, SEEK_SET) != 0) fail(path, "cannot be read again from its start (name a file, not a pipe)");
     if (got >= 2 && magic[0] == 'P' && magic[1] && std::strchr("2356", magic[1]))
         return std::make_unique<PnmDecoder>(std::move(file), path, static_cast<char>(magic[1]));
     if (got >= 2 && magic[0] == 'P' && (magic[1] == 'f' || magic[1] == 'F'))
@@ -513,7 +519,8 @@ unsigned significant_bits(int maxval) {
 
 // ---- RowReader -----------------------------------------------------------
 
-RowReader::RowReader(const std::string& path, const ReadOptions& options, Mode mode, Channels channels)
+RowReader::RowReader(const std::string& path, const ReadOptions& options, Mode mode, Channels channels,
+                     int whole_bytes_per_sample)
     : path_(path), options_(options), mode_(mode) {
     File file = open_file(path, "rb");
     struct stat st;
@@ -523,8 +530,15 @@ RowReader::RowReader(const std::string& path, const ReadOptions& options, Mode m
     }
     decoder_ = open_decoder(path, options, std::move(file));
     info_ = decoder_->info;
-    // An interlaced PNG is held whole in the file's type; other files a row.
-    check_limits(path, info_, info_.interlaced ? static_cast<uint64_t>(info_.height) : 1, info_.sample, options);
+    gray_ = channels == Gray && info_.channels == 3;
+    channels_ = gray_ ? 1 : info_.channels;
+    // A whole image is held as the caller says, an interlaced PNG whole in
+    // the file's type, other files a row at a time.
+    if (whole_bytes_per_sample > 0)
+        check_limits(path, info_, static_cast<uint64_t>(info_.height), channels_, whole_bytes_per_sample, options);
+    if (info_.interlaced || whole_bytes_per_sample == 0)
+        check_limits(path, info_, info_.interlaced ? static_cast<uint64_t>(info_.height) : 1, info_.channels,
+                     sample_bytes(info_.sample), options);
     if (mode == Bytes) {
         if (info_.sample == Sample::F32)
             fail(path, "holds float values (" + info_.format + "); this command works on 8-bit pixels");
@@ -533,8 +547,6 @@ RowReader::RowReader(const std::string& path, const ReadOptions& options, Mode m
                            " image; this command works on 8-bit pixels: --to8 shift keeps the top 8 bits, "
                            "--to8 scale rescales to 0..255");
     }
-    gray_ = channels == Gray && info_.channels == 3;
-    channels_ = gray_ ? 1 : info_.channels;
     decoder_->start();
     native_.resize(static_cast<size_t>(info_.width) * info_.channels * sample_bytes(info_.sample));
 }

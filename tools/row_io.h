@@ -45,7 +45,11 @@ public:
     // Gray: RGB rows become gray (weights 77, 150, 29 /256); AsIs keeps them.
     enum Channels { AsIs, Gray };
 
-    RowReader(const std::string& path, const ReadOptions& options, Mode mode, Channels channels = AsIs);
+    // whole_bytes_per_sample > 0: the caller holds the whole image, at that
+    // many bytes per sample, and the limits apply to the image (the whole
+    // image readers of image.h pass it).
+    RowReader(const std::string& path, const ReadOptions& options, Mode mode, Channels channels = AsIs,
+              int whole_bytes_per_sample = 0);
     ~RowReader();
     RowReader(const RowReader&) = delete;
     RowReader& operator=(const RowReader&) = delete;
