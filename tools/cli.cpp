@@ -385,16 +385,21 @@ std::string Timing::text() const {
     return buf;
 }
 
+// ORUCV_PROGRESS_AFTER_MS changes the delay before the bar appears (the
+// tests draw it at once).
 Progress::Progress(std::string what, uint64_t total)
     : what_(std::move(what)), total_(total), terminal_(isatty(STDERR_FILENO) == 1),
-      start_(std::chrono::steady_clock::now()), last_(start_) {}
+      start_(std::chrono::steady_clock::now()), last_(start_) {
+    const char* after = std::getenv("ORUCV_PROGRESS_AFTER_MS");
+    delay_ = std::chrono::milliseconds(after ? std::atoi(after) : 1000);
+}
 
 Progress::~Progress() { finish(); }
 
 void Progress::update(uint64_t done) {
     if (!terminal_ || total_ == 0) return;
     const auto now = std::chrono::steady_clock::now();
-    if (now - start_ < std::chrono::seconds(1)) return;
+    if (now - start_ < delay_) return;
     if (drawn_ && now - last_ < std::chrono::milliseconds(100)) return;
     last_ = now;
     drawn_ = true;

@@ -189,6 +189,7 @@ private:
     bool terminal_;
     bool drawn_ = false;
     std::chrono::steady_clock::time_point start_, last_;
+    std::chrono::milliseconds delay_;
 };
 
 // Canny edges (255, else 0) of a gray image from its 3x3 Sobel derivatives;

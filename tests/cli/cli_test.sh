@@ -152,6 +152,49 @@ nothing_on_failure)
     grep -q "min .* ms, median .* ms of 3 runs" out.txt || fail "--repeat 3: $(cat out.txt)"
     grep -q "best match at (0, 0), 64x48, score 1" out.txt || fail "best match: $(cat out.txt)"
     ;;
+streaming)
+    # convert streams rows: memory stays small whatever the height, and the
+    # bytes come out as they went in.
+    "$CLI_PROBE" gray 1000 100000 tall.pgm || exit 1
+    limit_mib=16
+    [ "${CLI_SANITIZED:-OFF}" = ON ] && limit_mib=0
+    "$CLI_PROBE" run $limit_mib 20 0 -- "$ORUCV" convert tall.pgm tall.npy --max-pixels 1000 >probe.txt 2>&1 ||
+        fail "convert tall.pgm: $(cat probe.txt)"
+    cmp -s <(tail -c 100000000 tall.npy) <(tail -c 100000000 tall.pgm) || fail "tall.npy holds other values"
+    rm -f tall.npy
+    cat probe.txt
+    size=$(wc -c <tall.pgm)
+    expect 2 "is also the input" -- "$ORUCV" convert tall.pgm tall.pgm
+    [ "$(wc -c <tall.pgm)" = "$size" ] || fail "convert truncated its own input"
+    rm -f tall.pgm
+    expect 0 "out:16-bit PGM" -- "$ORUCV" convert wide.pgm wide.npy
+    expect 0 "out:converted to 8-bit" -- "$ORUCV" convert wide.npy w8.pgm --to8 shift
+    [ "$(od -An -tu1 -j11 w8.pgm | tr -s ' ')" = " 0 0 1 255 18 171 128 0" ] || fail "--to8 shift: $(od -An -tu1 -j11 w8.pgm)"
+    printf 'Pf 1 1 -1.0\n\x00\x00\x80\x3f' >one.pfm
+    expect 2 "write them to a .pfm or .npy file" -- "$ORUCV" convert one.pfm one.pgm
+    ;;
+progress)
+    # Large matches run in bands of result rows: byte scores are exact sums,
+    # so the top rows of a banded map equal those of a map of a crop matched
+    # in one call.
+    "$CLI_PROBE" gray 600 600 full.pgm && "$CLI_PROBE" gray 600 150 crop.pgm || exit 1
+    printf 'P5 100 100 255\n' >tpl.pgm && tail -c 10000 crop.pgm >>tpl.pgm
+    for m in sqdiff-normed coeff-normed corr; do
+        "$ORUCV" match full.pgm tpl.pgm full.npy --method $m >/dev/null &&
+            "$ORUCV" match crop.pgm tpl.pgm crop.npy --method $m >/dev/null || fail "match $m"
+        cmp -s <(tail -c +129 crop.npy) <(tail -c +129 full.npy | head -c $((51 * 501 * 4))) ||
+            fail "$m: banded scores differ from one call"
+    done
+    # On a terminal the bands show a bar (here from the first band on);
+    # without one, nothing.
+    command -v script >/dev/null || { echo "no script(1): the terminal part is skipped"; exit $((failures > 0)); }
+    ORUCV_PROGRESS_AFTER_MS=0 script -qec "'$ORUCV' match full.pgm tpl.pgm tty.npy" /dev/null >tty.txt 2>&1
+    grep -q "best match at" tty.txt || fail "match on a terminal: $(cat tty.txt)"
+    grep -q "match \[#*\.*\] *[0-9]*%" tty.txt || fail "no progress bar on a terminal: $(cat -v tty.txt)"
+    ORUCV_PROGRESS_AFTER_MS=0 "$ORUCV" match full.pgm tpl.pgm plain.npy >out.txt 2>err.txt
+    [ -s err.txt ] && fail "progress without a terminal: $(cat err.txt)"
+    cmp -s tty.npy plain.npy || fail "scores differ on a terminal"
+    ;;
 demo)
     "$ORUCV" demo demo-out --repeat 2 >out.txt 2>err.txt || fail "demo: $(cat err.txt)"
     [ -s err.txt ] && fail "demo wrote to stderr: $(cat err.txt)"
