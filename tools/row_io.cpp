@@ -394,6 +394,24 @@ void png_on_error(png_structp png, png_const_charp message) {
 }
 void png_on_warning(png_structp, png_const_charp) {}
 
+// The libpng structures of a reader or writer, released however its owner's
+// construction ends.
+struct PngHandles {
+    bool reading;
+    png_structp png = nullptr;
+    png_infop info = nullptr;
+    explicit PngHandles(bool read) : reading(read) {}
+    PngHandles(const PngHandles&) = delete;
+    PngHandles& operator=(const PngHandles&) = delete;
+    ~PngHandles() {
+        if (!png) return;
+        if (reading)
+            png_destroy_read_struct(&png, info ? &info : nullptr, nullptr);
+        else
+            png_destroy_write_struct(&png, info ? &info : nullptr);
+    }
+};
+
 template <class Fn>
 bool guarded(png_structp png, Fn&& fn) {
     if (setjmp(png_jmpbuf(png))) return false;
@@ -404,9 +422,9 @@ bool guarded(png_structp png, Fn&& fn) {
 class PngDecoder : public RowDecoder {
 public:
     PngDecoder(File file, const std::string& path, bool drop_alpha) : file_(std::move(file)), path_(path) {
-        png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &error_, png_on_error, png_on_warning);
+        handles_.png = png_ = png_create_read_struct(PNG_LIBPNG_VER_STRING, &error_, png_on_error, png_on_warning);
         if (!png_) fail(path_, "cannot start the PNG reader");
-        info_ = png_create_info_struct(png_);
+        handles_.info = info_ = png_create_info_struct(png_);
         if (!info_) fail(path_, "cannot start the PNG reader");
         png_uint_32 w = 0, h = 0;
         int bit_depth = 0, color_type = 0, interlace = 0;
@@ -443,10 +461,6 @@ public:
         });
     }
 
-    ~PngDecoder() override {
-        if (png_) png_destroy_read_struct(&png_, info_ ? &info_ : nullptr, nullptr);
-    }
-
     void start() override {
         call([&] { png_read_update_info(png_, info_); });
         const int channels = png_get_channels(png_, info_);
@@ -478,6 +492,7 @@ private:
     File file_;
     std::string path_;
     PngError error_;
+    PngHandles handles_{true};  // after file_: released before the file closes
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
     int passes_ = 1;
@@ -773,9 +788,9 @@ class PngEncoder : public RowWriter::Encoder {
 public:
     PngEncoder(const std::string& path, int width, int height, int channels, bool wide)
         : file_(open_file(path, "wb")), path_(path) {
-        png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &error_, png_on_error, png_on_warning);
+        handles_.png = png_ = png_create_write_struct(PNG_LIBPNG_VER_STRING, &error_, png_on_error, png_on_warning);
         if (!png_) throw ToolError("cannot write '" + path + "': cannot start the PNG writer");
-        info_ = png_create_info_struct(png_);
+        handles_.info = info_ = png_create_info_struct(png_);
         if (!info_) throw ToolError("cannot write '" + path + "': cannot start the PNG writer");
         call([&] {
             png_init_io(png_, file_.get());
@@ -785,9 +800,6 @@ public:
             png_write_info(png_, info_);
             if (wide && little_endian()) png_set_swap(png_);
         });
-    }
-    ~PngEncoder() override {
-        if (png_) png_destroy_write_struct(&png_, info_ ? &info_ : nullptr);
     }
     void row(const void* data, Sample) override {
         call([&] { png_write_row(png_, static_cast<png_const_bytep>(data)); });
@@ -806,6 +818,7 @@ private:
     File file_;
     std::string path_;
     PngError error_;
+    PngHandles handles_{false};
     png_structp png_ = nullptr;
     png_infop info_ = nullptr;
 };
@@ -841,17 +854,22 @@ RowWriter::RowWriter(const std::string& path, int width, int height, int channel
         fail(path, "signed or float values need a .npy or .pfm output");
     if (input && input->same_file(path)) fail(path, "is also the input; write the result to another file");
     const bool wide = sample == Sample::U16;
-    switch (format) {
-    case OutputFormat::Png:
+    try {
+        switch (format) {
+        case OutputFormat::Png:
 #ifdef ORUCV_WITH_PNG
-        encoder_ = std::make_unique<PngEncoder>(path, width, height, channels, wide);
+            encoder_ = std::make_unique<PngEncoder>(path, width, height, channels, wide);
 #endif
-        break;
-    case OutputFormat::Pgm:
-    case OutputFormat::Ppm:
-    case OutputFormat::Pnm: encoder_ = std::make_unique<PnmEncoder>(path, width, height, channels, wide); break;
-    case OutputFormat::Npy: encoder_ = std::make_unique<NpyEncoder>(path, width, height, channels, sample); break;
-    case OutputFormat::Pfm: encoder_ = std::make_unique<PfmEncoder>(path, width, height, channels); break;
+            break;
+        case OutputFormat::Pgm:
+        case OutputFormat::Ppm:
+        case OutputFormat::Pnm: encoder_ = std::make_unique<PnmEncoder>(path, width, height, channels, wide); break;
+        case OutputFormat::Npy: encoder_ = std::make_unique<NpyEncoder>(path, width, height, channels, sample); break;
+        case OutputFormat::Pfm: encoder_ = std::make_unique<PfmEncoder>(path, width, height, channels); break;
+        }
+    } catch (...) {
+        std::remove(path.c_str());  // a header written before the failure
+        throw;
     }
 }
 

@@ -294,6 +294,7 @@ TEST(Limits, CraftedHeadersFailQuicklyInBoundedMemory) {
         const char* message;
         uint64_t max_pixels = kDefaultMaxPixels;
         bool as_float = false;
+        bool reserves = false;  // reserves the image: address space only, but the sanitizer marks it
     };
     const uint64_t big = 1ull << 34;
     std::vector<Case> cases = {
@@ -311,7 +312,8 @@ TEST(Limits, CraftedHeadersFailQuicklyInBoundedMemory) {
     cases.push_back({"PNG 16-bit RGB 30000x30000", craft::png_claiming(30000, 30000, 16, 2), "more than the limit"});
     // Within a raised limit the image passes the check, and the rows that
     // are never decoded are never touched.
-    cases.push_back({"PNG 65535x65535, limit raised", craft::png_claiming(65535, 65535), "bad PNG data", big});
+    cases.push_back({"PNG 65535x65535, limit raised", craft::png_claiming(65535, 65535), "bad PNG data", big, false,
+                     true});
     cases.push_back({"PNG width 2^31", craft::png_claiming(0x80000000u, 1), "bad PNG data"});
 #endif
     for (const Case& c : cases) {
@@ -324,6 +326,9 @@ TEST(Limits, CraftedHeadersFailQuicklyInBoundedMemory) {
         EXPECT_NE(o.message.find(c.message), std::string::npos) << o.message;
         EXPECT_NE(o.message.find("'" + path + "'"), std::string::npos) << o.message;
         EXPECT_LT(o.seconds, 2.0);
+#ifdef __SANITIZE_ADDRESS__
+        if (c.reserves) continue;
+#endif
         EXPECT_LT(o.peak_mib, 64.0);
     }
 }
