@@ -286,11 +286,13 @@ double Args::get_double(const std::string& name, double fallback, double lo, dou
     if (v.empty() || *end || !std::isfinite(d)) throw ToolError(name + " needs a number, not '" + v + "'");
     if (!(d >= lo && d <= hi)) {
         char range[96];
-        std::snprintf(range, sizeof range, " from %g to %g", lo, hi);
-        throw ToolError(name + " needs a number" + (lo > -1e300 && hi < 1e300 ? std::string(range)
-                                                    : lo > -1e300 ? " of at least " + std::to_string(lo)
-                                                                  : std::string(" in range")) +
-                        ", not '" + v + "'");
+        if (lo > -1e300 && hi < 1e300)
+            std::snprintf(range, sizeof range, " from %g to %g", lo, hi);
+        else if (lo > -1e300)
+            std::snprintf(range, sizeof range, " of at least %g", lo);
+        else
+            std::snprintf(range, sizeof range, " of at most %g", hi);
+        throw ToolError(name + " needs a number" + range + ", not '" + v + "'");
     }
     return d;
 }

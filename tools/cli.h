@@ -42,6 +42,10 @@
 //   (exact values), RowReader/RowWriter (row_io.h) for streaming; writers
 //   pick the format by extension (image.h).
 // - Work that may take more than a second reports through Progress.
+// - Tests: a case in tests/cli/cli_test.sh runs the program on generated
+//   files; `cli_probe run MAX_MIB MAX_SECONDS STATUS -- orucv ...` checks a
+//   run's status, time and peak resident memory, `cli_probe gray W H FILE`
+//   writes a tall test image row by row (tests/cli/cli_probe.cpp).
 #pragma once
 
 #include <chrono>

@@ -516,6 +516,7 @@ TEST(Options, ValuesAreCheckedWithTheirRange) {
     const Args a = parse({"a", "b.png", "--seed", "x", "--size", "12", "--max-pixels", "0"});
     EXPECT_EQ(error_of([&] { a.get_int("--size", 0, 1, 9); }), "--size needs a whole number from 1 to 9, not '12'");
     EXPECT_EQ(error_of([&] { a.get_double("--size", 0, 0, 5); }), "--size needs a number from 0 to 5, not '12'");
+    EXPECT_EQ(error_of([&] { a.get_double("--size", 0, 20); }), "--size needs a number of at least 20, not '12'");
     EXPECT_EQ(error_of([&] { a.get_pair("--seed"); }), "--seed needs X,Y, not 'x'");
     EXPECT_NE(error_of([&] { a.input(); }).find("--max-pixels"), std::string::npos);
     EXPECT_EQ(parse({"a", "b.png", "--seed", "1,1", "--max-pixels", "4294967296"}).input().max_pixels, 1ull << 32);
