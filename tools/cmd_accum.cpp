@@ -138,8 +138,10 @@ int run_average(const Args& args) {
     average.channels = c;
     average.depth = any_float ? 0 : wide ? 16 : 8;
     write_image(args.positional[0], average, 0.0f, 255.0f);
-    std::printf("%s: %zu images, %dx%d, %s of the running average per image\n", args.positional[0].c_str(), count, w,
-                h, timing.text().c_str());
+    double total = 0;
+    for (double ms : timing.ms) total += ms;
+    std::printf("%s: %zu images, %dx%d, %.3f ms per image for the running average\n", args.positional[0].c_str(),
+                count, w, h, total / count);
     return 0;
 }
 ORUCV_COMMAND("average", "OUT IN...", "running average of images (equal weights without --alpha)", run_average, kReads,

@@ -33,7 +33,7 @@ int run_convert(const Args& args) {
     out.finish();
     progress.finish();
     const ImageInfo& info = in.info();
-    std::printf("%s: %dx%d, %d channel%s, %s %s%s\n", out_name.c_str(), in.width(), in.height(), in.channels(),
+    std::printf("%s: %dx%d, %d channel%s, %s from %s%s\n", out_name.c_str(), in.width(), in.height(), in.channels(),
                 in.channels() == 1 ? "" : "s", info.depth_name().c_str(), info.format.c_str(),
                 rows != file ? " converted to 8-bit" : "");
     return 0;

@@ -183,7 +183,7 @@ streaming)
     expect 2 "is also the input" -- "$ORUCV" convert tall.pgm tall.pgm
     [ "$(wc -c <tall.pgm)" = "$size" ] || fail "convert truncated its own input"
     rm -f tall.pgm
-    expect 0 "out:16-bit PGM" -- "$ORUCV" convert wide.pgm wide.npy
+    expect 0 "out:16-bit from PGM" -- "$ORUCV" convert wide.pgm wide.npy
     expect 0 "out:converted to 8-bit" -- "$ORUCV" convert wide.npy w8.pgm --to8 shift
     [ "$(od -An -tu1 -j11 w8.pgm | tr -s ' ')" = " 0 0 1 255 18 171 128 0" ] || fail "--to8 shift: $(od -An -tu1 -j11 w8.pgm)"
     printf 'Pf 1 1 -1.0\n\x00\x00\x80\x3f' >one.pfm
