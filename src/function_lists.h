@@ -8,14 +8,18 @@
 #include "absdiff_list.h"
 #include "accum_list.h"
 #include "canny_list.h"
+#include "eigen_list.h"
+#include "filter_list.h"
 #include "frame_list.h"
 #include "sobel3x3_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
-    ORUCV_ABSDIFF_FUNCTIONS(X)  \
-    ORUCV_ACCUM_FUNCTIONS(X)    \
-    ORUCV_SOBEL3X3_FUNCTIONS(X) \
-    ORUCV_CANNY_FUNCTIONS(X)    \
+    ORUCV_ABSDIFF_FUNCTIONS(X)   \
+    ORUCV_FILTER_FUNCTIONS(X)    \
+    ORUCV_EIGEN_FUNCTIONS(X)     \
+    ORUCV_ACCUM_FUNCTIONS(X)     \
+    ORUCV_SOBEL3X3_FUNCTIONS(X)  \
+    ORUCV_CANNY_FUNCTIONS(X)     \
     ORUCV_FRAME_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared

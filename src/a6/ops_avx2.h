@@ -176,6 +176,16 @@ struct Avx2 {
         return _mm_cvtsi128_si32(h);
     }
 
+    // ---- Corner eigenvalues
+    static I load_widen4_s16(const int16_t* p) {
+        return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    }
+    static F sqrtf(F v) { return _mm256_sqrt_ps(v); }
+
+    // ---- General filters
+    // -v, the sign bit flipped (exact, as the scalar unary minus).
+    static F negf(F v) { return _mm256_xor_ps(v, _mm256_set1_ps(-0.0f)); }
+
     // ---- Accumulators
     static F addf_pinned(F a, F b) {
         F r;

@@ -189,6 +189,18 @@ struct Sse2 {
         return _mm_cvtsi128_si32(v);
     }
 
+    // ---- Corner eigenvalues
+    // kFloats 16-bit samples from memory into 32-bit lanes, sign extended.
+    static I load_widen4_s16(const int16_t* p) {
+        const I x = load_half(p);
+        return _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16);
+    }
+    static F sqrtf(F v) { return _mm_sqrt_ps(v); }
+
+    // ---- General filters
+    // -v, the sign bit flipped (exact, as the scalar unary minus).
+    static F negf(F v) { return _mm_xor_ps(v, _mm_set1_ps(-0.0f)); }
+
     // ---- Accumulators
     // a + b and a * b with the operands kept in this order, so that of two
     // NaN operands a's comes out (quieted); the compiler may commute addf and

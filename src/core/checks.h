@@ -87,6 +87,50 @@ inline OruStatus check_order_d(std::initializer_list<const void*> pointers, std:
     return oruStsOk;
 }
 
+// General strip filters, the Sobel order: pointers; then a size below 1, a
+// step below its row width, or a step not a multiple of its element size
+// (`pixel_bytes`), all oruStsSize; then a strip flag other than 0, 1, 2 or 4.
+inline OruStatus check_strip_sobel(std::initializer_list<const void*> pointers, const OruSize* roi, StepOf src,
+                                   StepOf dst, int strip_flag) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (roi->width < 1 || roi->height < 1) return oruStsSize;
+    for (const StepOf& s : {src, dst})
+        if (s.step < row_bytes(roi->width, s.pixel_bytes) || s.step % s.pixel_bytes != 0) return oruStsSize;
+    if (strip_flag != 0 && strip_flag != 1 && strip_flag != 2 && strip_flag != 4) return oruStsBadArg;
+    return oruStsOk;
+}
+
+// General strip filters, the blur and Laplace order (order A's pattern):
+// pointers; a step below 1 (oruStsStep); a size below 1 (oruStsSize); a step
+// not a multiple of its granularity (oruStsNotEvenStep); a strip flag
+// outside 0..4 (oruStsBadArg). StepOf carries the granularity here.
+inline OruStatus check_strip_order_a(std::initializer_list<const void*> pointers, const OruSize* roi, StepOf src,
+                                     StepOf dst, int strip_flag) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (src.step < 1 || dst.step < 1) return oruStsStep;
+    if (roi->width < 1 || roi->height < 1) return oruStsSize;
+    if (src.step % src.pixel_bytes != 0 || dst.step % dst.pixel_bytes != 0) return oruStsNotEvenStep;
+    if (strip_flag < 0 || strip_flag > 4) return oruStsBadArg;
+    return oruStsOk;
+}
+
+// Corner eigenvalues: the aperture and window sizes are odd in 3..7.
+inline bool corner_size_ok(int size) { return size == 3 || size == 5 || size == 7; }
+
+// Corner eigenvalues: pointers, then every size and step fault in one test
+// (oruStsSize): a size below 1, a source step below its row width, an
+// output step below its row width or not a multiple of 4, an aperture or
+// window size not odd in 3..7.
+inline OruStatus check_corners(std::initializer_list<const void*> pointers, OruSize roi, StepOf src, StepOf out,
+                               int aperture, int window) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (roi.width < 1 || roi.height < 1 || src.step < row_bytes(roi.width, src.pixel_bytes) ||
+        out.step < row_bytes(roi.width, out.pixel_bytes) || out.step % 4 != 0 || !corner_size_ok(aperture) ||
+        !corner_size_ok(window))
+        return oruStsSize;
+    return oruStsOk;
+}
+
 // Accumulators: order B over the two sources, the mask and the float
 // accumulator, each step with the bytes of one of its pixels. An image the
 // function does not take repeats the first source, so it decides nothing.

@@ -32,12 +32,13 @@ const char* level_name(orucv::SimdLevel level) {
 // with the scalar twin, as skipped tests, instead of dropping them silently.
 namespace {
 
-void require_level([[maybe_unused]] orucv::SimdLevel level) {
+void require_level(orucv::SimdLevel level) {
 #if ORUCV_X86_SIMD
     if (orucv::detected_simd_level() < level)
         GTEST_SKIP() << "this processor has no " << orutest::level_name(level)
                      << ": its paths are not compared with the scalar twin here";
 #else
+    (void)level;
     GTEST_SKIP() << "portable build: only the scalar kernels exist";
 #endif
 }
