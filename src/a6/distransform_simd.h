@@ -14,17 +14,15 @@ struct DistanceRows {
     using I = typename V::I;
     static constexpr int L = V::kFloats;  // distances per vector
 
-    // kBytes pixels at a time: 0xFF at the features, widened to 32-bit
-    // lanes, clears the far value; then kFloats at a time.
+    // kBytes pixels at a time: the mask of the features, in 32-bit lanes,
+    // clears the far value; then kFloats at a time.
     static void init_row(const uint8_t* src, dist_t* d, int n) {
         const I far = V::set32(kFarDistance);
         int i = 0;
         for (; i + V::kBytes <= n; i += V::kBytes) {
-            I m16[2], m32[4];
-            V::widen_s8(V::cmpeq8(V::load(src + i), V::zero()), m16[0], m16[1]);
-            V::widen_s16(m16[0], m32[0], m32[1]);
-            V::widen_s16(m16[1], m32[2], m32[3]);
-            for (int k = 0; k < 4; ++k) V::store(d + i + k * L, V::andnot(m32[k], far));
+            I features[4];
+            V::load_eq0_mask32(src + i, features);
+            for (int k = 0; k < 4; ++k) V::store(d + i + k * L, V::andnot(features[k], far));
         }
         for (; i + L <= n; i += L) V::store(d + i, V::andnot(V::cmpeq32(V::load_widen4_u8(src + i), V::zero()), far));
         scalar::init_row(src + i, d + i, n - i);
