@@ -295,18 +295,21 @@ struct PyrRows {
     static void down_v8_run(const uint16_t* const* r, int n, uint8_t* d, bool stream) {
         vertical(
             d, d, n, stream, [&](int i0, int i1) { pyr_scalar::down_v8_range(r, i0, i1, d, kSigned ? 0x80 : 0); },
-            [&](auto set, int i, auto kStream) { return decltype(set)::template down_v8<kSigned, kStream>(r, n, d, i); });
+            [&](auto set, int i, auto stream_tag) {
+                return decltype(set)::template down_v8<kSigned, decltype(stream_tag)::value>(r, n, d, i);
+            });
     }
     static void down_v8(const uint16_t* const* r, int n, uint8_t* d, uint8_t bias, bool stream) {
         bias ? down_v8_run<true>(r, n, d, stream) : down_v8_run<false>(r, n, d, stream);
     }
 
     static void down_v32(const float* const* r, int form, int n, float* d, bool stream) {
-        with_form(form, [&](auto kForm) {
+        with_form(form, [&](auto form_tag) {
+            constexpr int kForm = decltype(form_tag)::value;
             vertical(
                 d, d, n, stream, [&](int i0, int i1) { pyr_scalar::down_v32_range(r, kForm, i0, i1, d); },
-                [&](auto set, int i, auto kStream) {
-                    return decltype(set)::template down_v32<kForm, kStream>(r, n, d, i);
+                [&](auto set, int i, auto stream_tag) {
+                    return decltype(set)::template down_v32<kForm, decltype(stream_tag)::value>(r, n, d, i);
                 });
         });
     }
@@ -317,8 +320,8 @@ struct PyrRows {
         vertical(
             e, o, n, stream,
             [&](int i0, int i1) { pyr_scalar::up_v8_range(a, c, b, i0, i1, e, o, kSigned ? 0x80 : 0); },
-            [&](auto set, int i, auto kStream) {
-                return decltype(set)::template up_v8<kSigned, kStream>(a, c, b, n, e, o, i);
+            [&](auto set, int i, auto stream_tag) {
+                return decltype(set)::template up_v8<kSigned, decltype(stream_tag)::value>(a, c, b, n, e, o, i);
             });
     }
     static void up_v8(const uint16_t* a, const uint16_t* c, const uint16_t* b, int n, uint8_t* e, uint8_t* o,
@@ -328,11 +331,12 @@ struct PyrRows {
 
     static void up_v32(const float* a, const float* c, const float* b, int band, int n, float* e, float* o,
                        bool stream) {
-        with_band(band, [&](auto kBand) {
+        with_band(band, [&](auto band_tag) {
+            constexpr int kBand = decltype(band_tag)::value;
             vertical(
                 e, o, n, stream, [&](int i0, int i1) { pyr_scalar::up_v32_range(a, c, b, kBand, i0, i1, e, o); },
-                [&](auto set, int i, auto kStream) {
-                    return decltype(set)::template up_v32<kBand, kStream>(a, c, b, n, e, o, i);
+                [&](auto set, int i, auto stream_tag) {
+                    return decltype(set)::template up_v32<kBand, decltype(stream_tag)::value>(a, c, b, n, e, o, i);
                 });
         });
     }
