@@ -175,6 +175,10 @@ struct Avx2 {
         h = _mm_add_epi32(h, _mm_shuffle_epi32(h, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(h);
     }
+
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
+    static I min32(I a, I b) { return _mm256_min_epi32(a, b); }
+    static I max32(I a, I b) { return _mm256_max_epi32(a, b); }
 };
 
 }  // namespace

@@ -188,6 +188,10 @@ struct Sse2 {
         v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(v);
     }
+
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
+    static I min32(I a, I b) { return select(cmpgt32(a, b), b, a); }
+    static I max32(I a, I b) { return select(cmpgt32(a, b), a, b); }
 };
 
 }  // namespace

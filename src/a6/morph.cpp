@@ -1,0 +1,571 @@
+// Morphology: the state's construction and the strip engine.
+//
+// The engine sees an image as a stream of rows: stream row s is source row
+// s - anchorY, clamped to the image, so that the first anchorY and the last
+// maskHeight - 1 - anchorY stream rows repeat the first and last source
+// rows. Destination row y folds stream rows y .. y + maskHeight - 1. The
+// ring keeps the last maskHeight stream rows, stream row s in ring row
+// s % maskHeight, each in the form its shape needs:
+//   rectangle  the source row reduced across the element's width;
+//   cross      the source row itself;
+//   mask       the source row widened by its replicated edge pixels.
+// A destination row is written as soon as its last stream row arrives, so
+// strips of any height give the rows of one call, in order.
+#include "a6/morph.h"
+
+#include <climits>
+#include <cstddef>
+#include <type_traits>
+
+#include "core/bytes.h"
+#include "core/cpu.h"
+#include "core/rows.h"
+
+namespace orucv {
+namespace a6 {
+
+namespace {
+
+template <class Op>
+constexpr MorphRows<typename Op::E, typename Op::Out> scalar_rows() {
+    MorphRows<typename Op::E, typename Op::Out> r{};
+    r.reduce = scalar::reduce<Op>;
+    r.reduce_out = scalar::reduce_out<Op>;
+    r.load = scalar::load<Op>;
+    return r;
+}
+
+constexpr MorphKernels scalar_table() {
+    MorphKernels k{};
+    k.min_8u = scalar_rows<scalar::MinU8>();
+    k.max_8u = scalar_rows<scalar::MaxU8>();
+    k.min_32f = scalar_rows<scalar::MinF32>();
+    k.max_32f = scalar_rows<scalar::MaxF32>();
+    k.min_key = scalar_rows<scalar::MinKey>();
+    k.max_key = scalar_rows<scalar::MaxKey>();
+    return k;
+}
+
+}  // namespace
+
+const MorphKernels morph_kernels_scalar = scalar_table();
+
+const MorphKernels& morph_kernels() { return ORUCV_CHOOSE(morph_kernels); }
+
+namespace {
+
+constexpr uint64_t kHeaderBytes = sizeof(OruMorphState);
+// Rows one kernel call folds; longer folds go on in their destination.
+constexpr int kMaxTerms = 64;
+// Rectangles from this height fold their rows as running minima (maxima).
+constexpr int kRunningFromHeight = 9;
+
+constexpr uint64_t round_up(uint64_t v, uint64_t to) { return (v + to - 1) / to * to; }
+
+// Relative costs of the ways to fold, in loads of a vector: a store costs
+// more than a load, and each pass over a row costs a store.
+constexpr double kStore = 1.5;
+constexpr double kPass = 2 + kStore;  // a doubling pass: two loads, a store
+
+// The doublings for a window of `width` members: after d passes over a
+// row, element k holds the fold of 2^d members, and ceil(width / 2^d)
+// overlapping windows cover the width. d is chosen for the least cost with
+// at most kMaxTerms windows and 2^d no wider than `narrowest`.
+int doublings(int width, int narrowest, double* cost_out = nullptr) {
+    int best = -1;
+    double best_cost = 0;
+    for (int d = 0; d < 31 && (1 << d) <= narrowest; ++d) {
+        const long long span = 1LL << d;
+        const long long windows = (width + span - 1) / span;
+        if (windows > kMaxTerms) continue;
+        const double cost = kPass * d + static_cast<double>(windows);
+        if (best < 0 || cost < best_cost) best = d, best_cost = cost;
+    }
+    if (cost_out) *cost_out = best_cost;
+    return best;
+}
+
+// The first row of each group of equal mask rows, and the next row of the
+// same group, for the rows of a width x height mask (-1: none; rows without
+// members belong to no group).
+void link_rows(const uint8_t* m, int width, int height, int32_t* first, int32_t* next) {
+    for (int i = 0; i < height; ++i) {
+        const uint8_t* row = m + static_cast<size_t>(i) * width;
+        uint32_t hash = 2166136261u;
+        bool any = false;
+        for (int x = 0; x < width; ++x) {
+            hash = (hash ^ row[x]) * 16777619u;
+            any = any || row[x];
+        }
+        first[i] = -1;
+        next[i] = static_cast<int32_t>(hash);
+        if (!any) continue;
+        first[i] = i;
+        for (int j = 0; j < i; ++j) {
+            if (first[j] != j || next[j] != next[i]) continue;
+            const uint8_t* other = m + static_cast<size_t>(j) * width;
+            int x = 0;
+            while (x < width && other[x] == row[x]) ++x;
+            if (x == width) {
+                first[i] = j;
+                break;
+            }
+        }
+    }
+    for (int i = 0; i < height; ++i) {
+        next[i] = -1;
+        if (first[i] < 0) continue;
+        for (int j = i + 1; j < height; ++j)
+            if (first[j] == first[i]) {
+                next[i] = j;
+                break;
+            }
+    }
+}
+
+}  // namespace
+
+MorphLayout morph_layout(int roi_width, int data_type, int channels, OruSize mask, int stored_shape) {
+    const uint64_t pixel = (data_type == oruDataType32f ? 4u : 1u) * static_cast<uint64_t>(channels);
+    const uint64_t spare_rows = data_type == oruDataType32f ? 2 : 1;
+    MorphLayout l{};
+    l.row_bytes = round_up((static_cast<uint64_t>(roi_width) + static_cast<uint64_t>(mask.width) - 1) * pixel,
+                           pixel == 1 ? 8 : 32);
+    l.ring_offset = kHeaderBytes;
+    l.mask_offset = l.ring_offset + (static_cast<uint64_t>(mask.height) + spare_rows) * l.row_bytes;
+    l.total = l.mask_offset;
+    if (stored_shape == 100)
+        l.total += round_up(static_cast<uint64_t>(mask.width) * static_cast<uint64_t>(mask.height), 4) +
+                   8 * static_cast<uint64_t>(mask.height);
+    return l;
+}
+
+void build_ellipse(uint8_t* members, int width, int height) {
+    const int r = height / 2, c = width / 2;
+    const long double r2 = static_cast<long double>(r) * r;
+    for (int i = 0; i < r; ++i) {
+        const long double dy = r - i;
+        const long double v = static_cast<long double>(width / 2) * __builtin_sqrtl((r2 - dy * dy) * (1.0L / r2));
+        // Adding 1.5 * 2^52 rounds a double to the nearest integer, ties to even.
+        double rounded = static_cast<double>(v) + 6755399441055744.0;
+        rounded -= 6755399441055744.0;
+        const int dx = static_cast<int>(rounded);
+        const int lo = c - dx < 0 ? 0 : c - dx;
+        const int hi = dx >= width - c ? width - 1 : c + dx;  // the column past the row is no member
+        for (int x = lo; x <= hi; ++x) {
+            members[static_cast<size_t>(i) * width + x] = 1;
+            members[static_cast<size_t>(height - 1 - i) * width + x] = 1;
+        }
+    }
+}
+
+OruStatus morph_init(int roi_width, int data_type, int channels, OruSize mask, OruPoint anchor, int shape,
+                     const Oru8u* mask_bytes, OruMorphState** state) {
+    *state = nullptr;
+    const int stored = shape == 2 ? 100 : shape;
+    const MorphLayout l = morph_layout(roi_width, data_type, channels, mask, stored);
+    if (l.total > UINT_MAX) return oruStsMemAlloc;
+    void* block = _orcvAlloc(static_cast<unsigned>(l.total));
+    if (!block) return oruStsMemAlloc;
+    fill_bytes(block, 0, static_cast<size_t>(l.total));
+    OruMorphState* s = static_cast<OruMorphState*>(block);
+    s->maskWidth = mask.width;
+    s->maskHeight = mask.height;
+    s->anchorX = anchor.x;
+    s->anchorY = anchor.y;
+    s->shape = stored;
+    s->roiWidth = roi_width;
+    s->dataType = data_type;
+    s->numChannels = channels;
+    s->rowBytes = static_cast<int32_t>(l.row_bytes);
+    s->ringOffset = static_cast<uint32_t>(l.ring_offset);
+    s->maskOffset = static_cast<uint32_t>(l.mask_offset);
+    if (stored == 100) {
+        uint8_t* m = static_cast<uint8_t*>(block) + l.mask_offset;
+        const size_t n = static_cast<size_t>(mask.width) * static_cast<size_t>(mask.height);
+        if (shape == 2) build_ellipse(m, mask.width, mask.height);
+        else
+            for (size_t i = 0; i < n; ++i) m[i] = mask_bytes[i] != 0;
+        int32_t members = 0;
+        for (size_t i = 0; i < n; ++i) members += m[i];
+        s->members = members;
+        int32_t* first = reinterpret_cast<int32_t*>(m + round_up(n, 4));
+        link_rows(m, mask.width, mask.height, first, first + mask.height);
+    }
+    *state = s;
+    return oruStsOk;
+}
+
+namespace {
+
+// One strip through a state, Op the element operation (scalar::MinU8, ...).
+template <class Op>
+class Strip {
+    using E = typename Op::E;
+    using Out = typename Op::Out;
+    static_assert(sizeof(E) == sizeof(Out), "ring and image elements have one size");
+
+public:
+    Strip(OruMorphState* s, const MorphRows<E, Out>& k, int width)
+        : s_(s), k_(k), w_(width), c_(s->numChannels), mw_(s->maskWidth), b_(s->maskHeight), ax_(s->anchorX),
+          ay_(s->anchorY), n_(width * s->numChannels), wide_((width + s->maskWidth - 1) * s->numChannels),
+          running_(s->shape == 0 && s->maskHeight >= kRunningFromHeight),
+          ring_(reinterpret_cast<E*>(reinterpret_cast<uint8_t*>(s) + s->ringOffset)),
+          row_elems_(static_cast<size_t>(s->rowBytes) / sizeof(E)) {}
+
+    int run(const Out* src, int src_step, Out* dst, int dst_step, int height, int flag) {
+        if (flag == 0 || flag == 1) {
+            s_->streamRows = 0;
+            s_->width = w_;
+        }
+        dst_ = dst;
+        dst_step_ = dst_step;
+        written_ = 0;
+        for (int y = 0; y < height; ++y) take(row_at(src, src_step, y));
+        if (flag == 0 || flag == 2) {
+            const int64_t end = s_->streamRows + (b_ - 1 - ay_);
+            for (int64_t pos = s_->streamRows; pos < end; ++pos) {
+                copy(ring(pos), ring(pos - 1));
+                arrived(pos);
+            }
+            s_->streamRows = 0;
+        }
+        return written_;
+    }
+
+private:
+    E* ring(int64_t pos) const { return ring_ + static_cast<size_t>(pos % b_) * row_elems_; }
+    E* spare() const { return ring_ + static_cast<size_t>(b_) * row_elems_; }
+    Out* out_row() const { return row_at(dst_, dst_step_, written_); }
+    // Elements a ring row holds.
+    int content() const { return s_->shape == 100 ? wide_ : n_; }
+
+    void copy(E* to, const E* from) const {
+        const E* t[1] = {from};
+        k_.reduce(t, 1, to, content());
+    }
+
+    // Source row in; the first one also fills the stream rows above it.
+    void take(const Out* row) {
+        const bool first = s_->streamRows == 0;
+        const int64_t pos = first ? ay_ : s_->streamRows;
+        E* r = ring(pos);
+        if (s_->shape == 0) across(reinterpret_cast<const E*>(row), r);
+        else if (s_->shape == 1) k_.load(row, r, n_);
+        else widen(row, r);
+        if (first)
+            for (int t = 0; t < ay_; ++t) copy(ring(t), r);
+        arrived(pos);
+        s_->streamRows = pos + 1;
+    }
+
+    void widen(const Out* row, E* r) const {
+        k_.load(row, r + static_cast<size_t>(ax_) * c_, n_);
+        for (int x = 0; x < ax_; ++x)
+            for (int ch = 0; ch < c_; ++ch) r[x * c_ + ch] = r[ax_ * c_ + ch];
+        const int last = ax_ + w_ - 1;
+        for (int x = last + 1; x < w_ + mw_ - 1; ++x)
+            for (int ch = 0; ch < c_; ++ch) r[static_cast<size_t>(x) * c_ + ch] = r[static_cast<size_t>(last) * c_ + ch];
+    }
+
+    // dst[x] = fold of src over the columns x - anchorX .. x - anchorX +
+    // maskWidth - 1 clamped to the row, for the row's pixels. The inner
+    // columns are folded by the kernels straight from src (by doubling
+    // windows in dst for wide elements, which needs width + anchorX pixels
+    // of dst); at each edge the columns repeat the edge pixel, so the folds
+    // there are prefixes (suffixes) of the row, run pixel by pixel.
+    void across(const E* src, E* dst) const {
+        const int c = c_, w = w_, width = mw_;
+        const int inner = w - width + 1;
+        if (inner > 0) {
+            E* out = dst + static_cast<size_t>(ax_) * c;
+            const int d = doublings(width, width);
+            const int span = 1 << d;
+            const E* t[kMaxTerms];
+            int used = 0;
+            const E* from = src;
+            if (d > 0) {
+                int len = n_;
+                for (int pass = 0; pass < d; ++pass) {
+                    const int shift = (1 << pass) * c;
+                    const E* pair[2] = {from, from + shift};
+                    k_.reduce(pair, 2, out, len - shift);
+                    len -= shift;
+                    from = out;
+                }
+            }
+            for (int o = 0; o + span < width; o += span) t[used++] = from + static_cast<size_t>(o) * c;
+            t[used++] = from + static_cast<size_t>(width - span) * c;
+            k_.reduce(t, used, out, inner * c);
+        }
+        const int left_end = ax_ < w ? ax_ : w;
+        const int right_begin = inner + ax_ > left_end ? inner + ax_ : left_end;
+        for (int ch = 0; ch < c; ++ch) {
+            if (left_end > 0) {
+                E acc = scalar::ld<E>(src + ch);
+                int hi = 0;
+                for (int x = 0; x < left_end; ++x) {
+                    const int want = x - ax_ + width - 1 < w - 1 ? x - ax_ + width - 1 : w - 1;
+                    while (hi < want) {
+                        ++hi;
+                        acc = Op::op(acc, scalar::ld<E>(src + static_cast<size_t>(hi) * c + ch));
+                    }
+                    dst[static_cast<size_t>(x) * c + ch] = acc;
+                }
+            }
+            if (right_begin < w) {
+                E acc = scalar::ld<E>(src + static_cast<size_t>(w - 1) * c + ch);
+                int lo = w - 1;
+                for (int x = w - 1; x >= right_begin; --x) {
+                    const int want = x - ax_ > 0 ? x - ax_ : 0;
+                    while (lo > want) {
+                        --lo;
+                        acc = Op::op(scalar::ld<E>(src + static_cast<size_t>(lo) * c + ch), acc);
+                    }
+                    dst[static_cast<size_t>(x) * c + ch] = acc;
+                }
+            }
+        }
+    }
+
+    // Stream row `pos` is in the ring: write the destination rows it completes.
+    void arrived(int64_t pos) {
+        if (running_) return arrived_running(pos);
+        if (pos < b_ - 1) return;
+        const int64_t y = pos - (b_ - 1);
+        if (s_->shape == 0) emit([&](int i) -> const E* { return ring(y + i); });
+        else if (s_->shape == 1) emit_cross(y);
+        else emit_mask(y);
+    }
+
+    // Folds rows row(0) .. row(b_ - 1) into the next destination row.
+    template <class Row>
+    void emit(Row row) {
+        Out* out = out_row();
+        const E* t[kMaxTerms];
+        int used = 0;
+        for (int i = 0; i < b_; ++i) {
+            if (used == kMaxTerms) {
+                k_.reduce(t, used, reinterpret_cast<E*>(out), n_);
+                t[0] = reinterpret_cast<E*>(out);
+                used = 1;
+            }
+            t[used++] = row(i);
+        }
+        k_.reduce_out(t, used, out, n_);
+        ++written_;
+    }
+
+    // The cross: the anchor row reduced across into the spare row stands in
+    // for itself among the rows folded down.
+    void emit_cross(int64_t y) {
+        E* arm = spare();
+        across(ring(y + ay_), arm);
+        emit([&](int i) -> const E* { return i == ay_ ? arm : ring(y + i); });
+    }
+
+    // Tall rectangles: running folds over blocks of b_ stream rows. When a
+    // block is complete its rows are turned, in place, into suffix folds
+    // (row t folds rows t .. b_ - 1 of the block); the rows of the next
+    // block then come in one by one, the spare row keeping their prefix
+    // fold, and destination row y = (block start) + t is the fold of the
+    // suffix t and the next block's prefix up to t - 1. Each row arrives in
+    // the ring row whose suffix has just been used, so b_ + 1 rows do.
+    void arrived_running(int64_t pos) {
+        const int u = static_cast<int>(pos % b_);
+        E* prefix = spare();
+        if (pos >= b_ && u < b_ - 1) {
+            const E* p = ring(pos);
+            if (u > 0) {
+                const E* pair[2] = {u == 1 ? ring(pos - 1) : prefix, ring(pos)};
+                k_.reduce(pair, 2, prefix, n_);
+                p = prefix;
+            }
+            const E* out[2] = {ring(pos + 1), p};
+            k_.reduce_out(out, 2, out_row(), n_);
+            ++written_;
+        }
+        if (u == b_ - 1) {
+            for (int t = b_ - 2; t >= 1; --t) {
+                const E* pair[2] = {ring(t), ring(t + 1)};
+                k_.reduce(pair, 2, ring(t), n_);
+            }
+            const E* out[2] = {ring(0), ring(1)};
+            k_.reduce_out(out, b_ == 1 ? 1 : 2, out_row(), n_);
+            ++written_;
+        }
+    }
+
+    // A group of equal mask rows: its rows, the runs of its members, and
+    // whether to fold its rows first (into the spare row) with some doublings.
+    struct Group {
+        int rows = 0, members = 0, narrowest = INT_MAX;
+        bool folded = false;
+        int doublings = 0;
+    };
+    const uint8_t* mask_row(int i) const {
+        return reinterpret_cast<const uint8_t*>(s_) + s_->maskOffset + static_cast<size_t>(i) * mw_;
+    }
+    const int32_t* links() const {
+        const size_t n = static_cast<size_t>(mw_) * static_cast<size_t>(b_);
+        return reinterpret_cast<const int32_t*>(reinterpret_cast<const uint8_t*>(s_) + s_->maskOffset +
+                                                round_up(n, 4));
+    }
+    // Members of a row as runs [start, start + length), calling run(start, length).
+    template <class Run>
+    void runs(int row, Run run) const {
+        const uint8_t* m = mask_row(row);
+        for (int x = 0; x < mw_;) {
+            if (!m[x]) {
+                ++x;
+                continue;
+            }
+            int end = x;
+            while (end < mw_ && m[end]) ++end;
+            run(x, end - x);
+            x = end;
+        }
+    }
+    Group plan(int row) const {
+        Group g;
+        group_rows(row, [&](int) { ++g.rows; });
+        runs(row, [&](int, int length) {
+            g.members += length;
+            if (length < g.narrowest) g.narrowest = length;
+        });
+        // Folded: the rows into the spare row, some doubling passes there,
+        // then one term per window, the windows no wider than any run.
+        double best = -1;
+        for (int d = 0; d < 31 && (1 << d) <= g.narrowest; ++d) {
+            long long windows = 0;
+            runs(row, [&](int, int length) { windows += (length + (1LL << d) - 1) >> d; });
+            const double cost = g.rows + kStore + kPass * d + static_cast<double>(windows);
+            if (best < 0 || cost < best) best = cost, g.doublings = d;
+        }
+        g.folded = best < static_cast<double>(g.rows) * g.members;
+        return g;
+    }
+
+    // Mask rows of a group in order: group(first row) calls f(i) for each.
+    template <class F>
+    void group_rows(int row, F f) const {
+        for (int i = row; i >= 0; i = links()[b_ + i]) f(i);
+    }
+
+    // The mask: each group of equal rows either adds a term per member and
+    // row, or folds its rows into the spare row first and adds a term per
+    // window there. All direct terms and the first folded group go into one
+    // fold of the destination row; each further folded group folds into it
+    // again (the destination row holds the partial result meanwhile).
+    void emit_mask(int64_t y) {
+        Out* out = out_row();
+        ++written_;
+        if (s_->members == 0) {
+            using Bits = typename std::conditional<sizeof(Out) == 1, uint8_t, uint32_t>::type;
+            for (int k = 0; k < n_; ++k) scalar::st<Bits>(out + k, static_cast<Bits>(Op::kEmpty));
+            return;
+        }
+        E* acc = reinterpret_cast<E*>(out);
+        const E* t[kMaxTerms];
+        int used = 0;
+        auto spill = [&] {
+            k_.reduce(t, used, acc, n_);
+            t[0] = acc;
+            used = 1;
+        };
+        auto add = [&](const E* p) {
+            if (used == kMaxTerms) spill();
+            t[used++] = p;
+        };
+        const int32_t* first = links();
+        int first_folded = -1;
+        for (int pass = 0; pass < 2; ++pass)
+            for (int row = 0; row < b_; ++row) {
+                if (first[row] != row) continue;
+                const Group g = plan(row);
+                if (!g.folded) {
+                    if (pass == 0)
+                        group_rows(row, [&](int i) {
+                            const E* r = ring(y + i);
+                            runs(row, [&](int start, int length) {
+                                for (int j = start; j < start + length; ++j) add(r + static_cast<size_t>(j) * c_);
+                            });
+                        });
+                    continue;
+                }
+                if (pass == 0 && first_folded >= 0) continue;
+                if (pass == 1 && row == first_folded) continue;
+                if (pass == 0) first_folded = row;
+                else spill();  // the spare row is about to change
+                fold_group(y, row, g, add);
+            }
+        k_.reduce_out(t, used, out, n_);
+    }
+
+    template <class Add>
+    void fold_group(int64_t y, int row, const Group& g, Add add) {
+        E* v = spare();
+        const E* t[kMaxTerms];
+        int used = 0;
+        group_rows(row, [&](int i) {
+            if (used == kMaxTerms) {
+                k_.reduce(t, used, v, wide_);
+                t[0] = v;
+                used = 1;
+            }
+            t[used++] = ring(y + i);
+        });
+        k_.reduce(t, used, v, wide_);
+        int len = wide_;
+        for (int pass = 0; pass < g.doublings; ++pass) {
+            const int shift = (1 << pass) * c_;
+            const E* pair[2] = {v, v + shift};
+            k_.reduce(pair, 2, v, len - shift);
+            len -= shift;
+        }
+        const int span = 1 << g.doublings;
+        runs(row, [&](int start, int length) {
+            for (int o = 0; o + span < length; o += span) add(v + static_cast<size_t>(start + o) * c_);
+            add(v + static_cast<size_t>(start + length - span) * c_);
+        });
+    }
+
+    OruMorphState* s_;
+    const MorphRows<E, Out>& k_;
+    const int w_, c_, mw_, b_, ax_, ay_, n_, wide_;
+    const bool running_;
+    E* ring_;
+    const size_t row_elems_;
+    Out* dst_ = nullptr;
+    int dst_step_ = 0;
+    int written_ = 0;
+};
+
+template <class Op>
+int run_strip(OruMorphState* s, const MorphRows<typename Op::E, typename Op::Out>& k, const typename Op::Out* src,
+              int src_step, typename Op::Out* dst, int dst_step, int width, int height, int flag) {
+    return Strip<Op>(s, k, width).run(src, src_step, dst, dst_step, height, flag);
+}
+
+}  // namespace
+
+int morph_strip(OruMorphState* s, bool dilate, const Oru8u* src, int src_step, Oru8u* dst, int dst_step, int width,
+                int height, int flag) {
+    const MorphKernels& k = morph_kernels();
+    if (dilate) return run_strip<scalar::MaxU8>(s, k.max_8u, src, src_step, dst, dst_step, width, height, flag);
+    return run_strip<scalar::MinU8>(s, k.min_8u, src, src_step, dst, dst_step, width, height, flag);
+}
+
+int morph_strip(OruMorphState* s, bool dilate, const Oru32f* src, int src_step, Oru32f* dst, int dst_step,
+                int width, int height, int flag) {
+    const MorphKernels& k = morph_kernels();
+    if (s->shape == 100) {
+        if (dilate) return run_strip<scalar::MaxKey>(s, k.max_key, src, src_step, dst, dst_step, width, height, flag);
+        return run_strip<scalar::MinKey>(s, k.min_key, src, src_step, dst, dst_step, width, height, flag);
+    }
+    if (dilate) return run_strip<scalar::MaxF32>(s, k.max_32f, src, src_step, dst, dst_step, width, height, flag);
+    return run_strip<scalar::MinF32>(s, k.min_32f, src, src_step, dst, dst_step, width, height, flag);
+}
+
+}  // namespace a6
+}  // namespace orucv
