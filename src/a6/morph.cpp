@@ -41,8 +41,11 @@ constexpr MorphKernels scalar_table() {
     k.max_8u = scalar_rows<scalar::MaxU8>();
     k.min_32f = scalar_rows<scalar::MinF32>();
     k.max_32f = scalar_rows<scalar::MaxF32>();
+    k.min_32f_plain = scalar_rows<scalar::MinF32Plain>();
+    k.max_32f_plain = scalar_rows<scalar::MaxF32Plain>();
     k.min_key = scalar_rows<scalar::MinKey>();
     k.max_key = scalar_rows<scalar::MaxKey>();
+    k.has_nan = scalar::has_nan;
     return k;
 }
 
@@ -67,22 +70,69 @@ constexpr uint64_t round_up(uint64_t v, uint64_t to) { return (v + to - 1) / to 
 constexpr double kStore = 1.5;
 constexpr double kPass = 2 + kStore;  // a doubling pass: two loads, a store
 
-// The doublings for a window of `width` members: after d passes over a
-// row, element k holds the fold of 2^d members, and ceil(width / 2^d)
-// overlapping windows cover the width. d is chosen for the least cost with
-// at most kMaxTerms windows and 2^d no wider than `narrowest`.
-int doublings(int width, int narrowest, double* cost_out = nullptr) {
-    int best = -1;
-    double best_cost = 0;
-    for (int d = 0; d < 31 && (1 << d) <= narrowest; ++d) {
-        const long long span = 1LL << d;
-        const long long windows = (width + span - 1) / span;
-        if (windows > kMaxTerms) continue;
-        const double cost = kPass * d + static_cast<double>(windows);
-        if (best < 0 || cost < best_cost) best = d, best_cost = cost;
-    }
-    if (cost_out) *cost_out = best_cost;
+// How a row is reduced across `width` members: a first pass folds
+// windows of `first` members straight from the source, `doublings` passes
+// double them in place, and the windows of `span` members, overlapping at
+// the end, are folded into the result. Chosen for the least cost with at
+// most kMaxTerms windows; first 1 with no doublings folds every member
+// straight from the source.
+struct AcrossPlan {
+    int first = 1, doublings = 0, span = 1;
+};
+AcrossPlan plan_across(int width) {
+    AcrossPlan best;
+    double best_cost = width + kStore;
+    for (int first = 1; first <= 8 && first <= width; ++first)
+        for (int d = 0; d < 31 && (static_cast<long long>(first) << d) <= width; ++d) {
+            const long long span = static_cast<long long>(first) << d;
+            if (span == 1) continue;
+            const long long windows = (width + span - 1) / span;
+            if (windows > kMaxTerms) continue;
+            const double cost = first + kStore + kPass * d + static_cast<double>(windows) + kStore;
+            if (cost < best_cost) best_cost = cost, best = AcrossPlan{first, d, static_cast<int>(span)};
+        }
     return best;
+}
+
+// Members of a mask row as runs: run(start, length) for each.
+template <class Run>
+void for_runs(const uint8_t* m, int width, Run run) {
+    for (int x = 0; x < width;) {
+        if (!m[x]) {
+            ++x;
+            continue;
+        }
+        int end = x;
+        while (end < width && m[end]) ++end;
+        run(x, end - x);
+        x = end;
+    }
+}
+
+// How each group of equal mask rows is folded, by its first row: -1 adds a
+// term per member and row; d >= 0 folds the group's rows into the spare
+// row first, runs d doubling passes there and adds a term per window (the
+// windows no wider than any run of the row).
+void plan_groups(const uint8_t* m, int width, int height, const int32_t* first, const int32_t* next,
+                 int32_t* plan) {
+    for (int row = 0; row < height; ++row) {
+        plan[row] = -1;
+        if (first[row] != row) continue;
+        int rows = 0, members = 0, narrowest = INT_MAX;
+        for (int i = row; i >= 0; i = next[i]) ++rows;
+        const uint8_t* r = m + static_cast<size_t>(row) * width;
+        for_runs(r, width, [&](int, int length) {
+            members += length;
+            if (length < narrowest) narrowest = length;
+        });
+        double best = static_cast<double>(rows) * members;
+        for (int d = 0; d < 31 && (1 << d) <= narrowest; ++d) {
+            long long windows = 0;
+            for_runs(r, width, [&](int, int length) { windows += (length + (1LL << d) - 1) >> d; });
+            const double cost = rows + kStore + kPass * d + static_cast<double>(windows);
+            if (cost < best) best = cost, plan[row] = d;
+        }
+    }
 }
 
 // The first row of each group of equal mask rows, and the next row of the
@@ -136,7 +186,7 @@ MorphLayout morph_layout(int roi_width, int data_type, int channels, OruSize mas
     l.total = l.mask_offset;
     if (stored_shape == 100)
         l.total += round_up(static_cast<uint64_t>(mask.width) * static_cast<uint64_t>(mask.height), 4) +
-                   8 * static_cast<uint64_t>(mask.height);
+                   12 * static_cast<uint64_t>(mask.height);
     return l;
 }
 
@@ -191,6 +241,7 @@ OruStatus morph_init(int roi_width, int data_type, int channels, OruSize mask, O
         s->members = members;
         int32_t* first = reinterpret_cast<int32_t*>(m + round_up(n, 4));
         link_rows(m, mask.width, mask.height, first, first + mask.height);
+        plan_groups(m, mask.width, mask.height, first, first + mask.height, first + 2 * mask.height);
     }
     *state = s;
     return oruStsOk;
@@ -206,18 +257,23 @@ class Strip {
     static_assert(sizeof(E) == sizeof(Out), "ring and image elements have one size");
 
 public:
-    Strip(OruMorphState* s, const MorphRows<E, Out>& k, int width)
-        : s_(s), k_(k), w_(width), c_(s->numChannels), mw_(s->maskWidth), b_(s->maskHeight), ax_(s->anchorX),
+    // k: the kernels; plain: those for rows without NaNs, used until a
+    // NaN comes in, which has_nan (null: never) finds.
+    Strip(OruMorphState* s, const MorphRows<E, Out>& k, const MorphRows<E, Out>& plain,
+          bool (*has_nan)(const float*, int), int width)
+        : s_(s), k_(&k), k_nan_(&k), k_plain_(&plain), has_nan_(has_nan), w_(width), c_(s->numChannels), mw_(s->maskWidth), b_(s->maskHeight), ax_(s->anchorX),
           ay_(s->anchorY), n_(width * s->numChannels), wide_((width + s->maskWidth - 1) * s->numChannels),
           running_(s->shape == 0 && s->maskHeight >= kRunningFromHeight),
           ring_(reinterpret_cast<E*>(reinterpret_cast<uint8_t*>(s) + s->ringOffset)),
-          row_elems_(static_cast<size_t>(s->rowBytes) / sizeof(E)) {}
+          row_elems_(static_cast<size_t>(s->rowBytes) / sizeof(E)), across_(plan_across(mw_)) {}
 
     int run(const Out* src, int src_step, Out* dst, int dst_step, int height, int flag) {
         if (flag == 0 || flag == 1) {
             s_->streamRows = 0;
             s_->width = w_;
+            s_->nanSeen = 0;
         }
+        if (has_nan_ && !s_->nanSeen) k_ = k_plain_;
         dst_ = dst;
         dst_step_ = dst_step;
         written_ = 0;
@@ -242,16 +298,20 @@ private:
 
     void copy(E* to, const E* from) const {
         const E* t[1] = {from};
-        k_.reduce(t, 1, to, content());
+        k_->reduce(t, 1, to, content());
     }
 
     // Source row in; the first one also fills the stream rows above it.
     void take(const Out* row) {
+        if (k_ != k_nan_ && has_nan_(reinterpret_cast<const float*>(row), n_)) {
+            s_->nanSeen = 1;
+            k_ = k_nan_;
+        }
         const bool first = s_->streamRows == 0;
         const int64_t pos = first ? ay_ : s_->streamRows;
         E* r = ring(pos);
         if (s_->shape == 0) across(reinterpret_cast<const E*>(row), r);
-        else if (s_->shape == 1) k_.load(row, r, n_);
+        else if (s_->shape == 1) k_->load(row, r, n_);
         else widen(row, r);
         if (first)
             for (int t = 0; t < ay_; ++t) copy(ring(t), r);
@@ -260,7 +320,7 @@ private:
     }
 
     void widen(const Out* row, E* r) const {
-        k_.load(row, r + static_cast<size_t>(ax_) * c_, n_);
+        k_->load(row, r + static_cast<size_t>(ax_) * c_, n_);
         for (int x = 0; x < ax_; ++x)
             for (int ch = 0; ch < c_; ++ch) r[x * c_ + ch] = r[ax_ * c_ + ch];
         const int last = ax_ + w_ - 1;
@@ -279,24 +339,26 @@ private:
         const int inner = w - width + 1;
         if (inner > 0) {
             E* out = dst + static_cast<size_t>(ax_) * c;
-            const int d = doublings(width, width);
-            const int span = 1 << d;
+            const int span = across_.span;
             const E* t[kMaxTerms];
             int used = 0;
             const E* from = src;
-            if (d > 0) {
-                int len = n_;
-                for (int pass = 0; pass < d; ++pass) {
-                    const int shift = (1 << pass) * c;
-                    const E* pair[2] = {from, from + shift};
-                    k_.reduce(pair, 2, out, len - shift);
+            if (span > 1) {
+                for (int j = 0; j < across_.first; ++j) t[used++] = src + static_cast<size_t>(j) * c;
+                int len = n_ - (across_.first - 1) * c;
+                k_->reduce(t, used, out, len);
+                used = 0;
+                for (int pass = 0; pass < across_.doublings; ++pass) {
+                    const int shift = (across_.first << pass) * c;
+                    const E* pair[2] = {out, out + shift};
+                    k_->reduce(pair, 2, out, len - shift);
                     len -= shift;
-                    from = out;
                 }
+                from = out;
             }
             for (int o = 0; o + span < width; o += span) t[used++] = from + static_cast<size_t>(o) * c;
             t[used++] = from + static_cast<size_t>(width - span) * c;
-            k_.reduce(t, used, out, inner * c);
+            k_->reduce(t, used, out, inner * c);
         }
         const int left_end = ax_ < w ? ax_ : w;
         const int right_begin = inner + ax_ > left_end ? inner + ax_ : left_end;
@@ -346,13 +408,13 @@ private:
         int used = 0;
         for (int i = 0; i < b_; ++i) {
             if (used == kMaxTerms) {
-                k_.reduce(t, used, reinterpret_cast<E*>(out), n_);
+                k_->reduce(t, used, reinterpret_cast<E*>(out), n_);
                 t[0] = reinterpret_cast<E*>(out);
                 used = 1;
             }
             t[used++] = row(i);
         }
-        k_.reduce_out(t, used, out, n_);
+        k_->reduce_out(t, used, out, n_);
         ++written_;
     }
 
@@ -378,72 +440,37 @@ private:
             const E* p = ring(pos);
             if (u > 0) {
                 const E* pair[2] = {u == 1 ? ring(pos - 1) : prefix, ring(pos)};
-                k_.reduce(pair, 2, prefix, n_);
+                k_->reduce(pair, 2, prefix, n_);
                 p = prefix;
             }
             const E* out[2] = {ring(pos + 1), p};
-            k_.reduce_out(out, 2, out_row(), n_);
+            k_->reduce_out(out, 2, out_row(), n_);
             ++written_;
         }
         if (u == b_ - 1) {
             for (int t = b_ - 2; t >= 1; --t) {
                 const E* pair[2] = {ring(t), ring(t + 1)};
-                k_.reduce(pair, 2, ring(t), n_);
+                k_->reduce(pair, 2, ring(t), n_);
             }
             const E* out[2] = {ring(0), ring(1)};
-            k_.reduce_out(out, b_ == 1 ? 1 : 2, out_row(), n_);
+            k_->reduce_out(out, b_ == 1 ? 1 : 2, out_row(), n_);
             ++written_;
         }
     }
 
-    // A group of equal mask rows: its rows, the runs of its members, and
-    // whether to fold its rows first (into the spare row) with some doublings.
-    struct Group {
-        int rows = 0, members = 0, narrowest = INT_MAX;
-        bool folded = false;
-        int doublings = 0;
-    };
     const uint8_t* mask_row(int i) const {
         return reinterpret_cast<const uint8_t*>(s_) + s_->maskOffset + static_cast<size_t>(i) * mw_;
     }
+    // The first row of each group, the next row of a group, and each first
+    // row's plan (link_rows, plan_groups), one table of b_ after another.
     const int32_t* links() const {
         const size_t n = static_cast<size_t>(mw_) * static_cast<size_t>(b_);
         return reinterpret_cast<const int32_t*>(reinterpret_cast<const uint8_t*>(s_) + s_->maskOffset +
                                                 round_up(n, 4));
     }
-    // Members of a row as runs [start, start + length), calling run(start, length).
     template <class Run>
     void runs(int row, Run run) const {
-        const uint8_t* m = mask_row(row);
-        for (int x = 0; x < mw_;) {
-            if (!m[x]) {
-                ++x;
-                continue;
-            }
-            int end = x;
-            while (end < mw_ && m[end]) ++end;
-            run(x, end - x);
-            x = end;
-        }
-    }
-    Group plan(int row) const {
-        Group g;
-        group_rows(row, [&](int) { ++g.rows; });
-        runs(row, [&](int, int length) {
-            g.members += length;
-            if (length < g.narrowest) g.narrowest = length;
-        });
-        // Folded: the rows into the spare row, some doubling passes there,
-        // then one term per window, the windows no wider than any run.
-        double best = -1;
-        for (int d = 0; d < 31 && (1 << d) <= g.narrowest; ++d) {
-            long long windows = 0;
-            runs(row, [&](int, int length) { windows += (length + (1LL << d) - 1) >> d; });
-            const double cost = g.rows + kStore + kPass * d + static_cast<double>(windows);
-            if (best < 0 || cost < best) best = cost, g.doublings = d;
-        }
-        g.folded = best < static_cast<double>(g.rows) * g.members;
-        return g;
+        for_runs(mask_row(row), mw_, run);
     }
 
     // Mask rows of a group in order: group(first row) calls f(i) for each.
@@ -469,7 +496,7 @@ private:
         const E* t[kMaxTerms];
         int used = 0;
         auto spill = [&] {
-            k_.reduce(t, used, acc, n_);
+            k_->reduce(t, used, acc, n_);
             t[0] = acc;
             used = 1;
         };
@@ -482,8 +509,8 @@ private:
         for (int pass = 0; pass < 2; ++pass)
             for (int row = 0; row < b_; ++row) {
                 if (first[row] != row) continue;
-                const Group g = plan(row);
-                if (!g.folded) {
+                const int plan = first[2 * b_ + row];
+                if (plan < 0) {
                     if (pass == 0)
                         group_rows(row, [&](int i) {
                             const E* r = ring(y + i);
@@ -497,33 +524,33 @@ private:
                 if (pass == 1 && row == first_folded) continue;
                 if (pass == 0) first_folded = row;
                 else spill();  // the spare row is about to change
-                fold_group(y, row, g, add);
+                fold_group(y, row, plan, add);
             }
-        k_.reduce_out(t, used, out, n_);
+        k_->reduce_out(t, used, out, n_);
     }
 
     template <class Add>
-    void fold_group(int64_t y, int row, const Group& g, Add add) {
+    void fold_group(int64_t y, int row, int doublings, Add add) {
         E* v = spare();
         const E* t[kMaxTerms];
         int used = 0;
         group_rows(row, [&](int i) {
             if (used == kMaxTerms) {
-                k_.reduce(t, used, v, wide_);
+                k_->reduce(t, used, v, wide_);
                 t[0] = v;
                 used = 1;
             }
             t[used++] = ring(y + i);
         });
-        k_.reduce(t, used, v, wide_);
+        k_->reduce(t, used, v, wide_);
         int len = wide_;
-        for (int pass = 0; pass < g.doublings; ++pass) {
+        for (int pass = 0; pass < doublings; ++pass) {
             const int shift = (1 << pass) * c_;
             const E* pair[2] = {v, v + shift};
-            k_.reduce(pair, 2, v, len - shift);
+            k_->reduce(pair, 2, v, len - shift);
             len -= shift;
         }
-        const int span = 1 << g.doublings;
+        const int span = 1 << doublings;
         runs(row, [&](int start, int length) {
             for (int o = 0; o + span < length; o += span) add(v + static_cast<size_t>(start + o) * c_);
             add(v + static_cast<size_t>(start + length - span) * c_);
@@ -531,11 +558,15 @@ private:
     }
 
     OruMorphState* s_;
-    const MorphRows<E, Out>& k_;
+    const MorphRows<E, Out>* k_;
+    const MorphRows<E, Out>* const k_nan_;
+    const MorphRows<E, Out>* const k_plain_;
+    bool (*const has_nan_)(const float*, int);
     const int w_, c_, mw_, b_, ax_, ay_, n_, wide_;
     const bool running_;
     E* ring_;
     const size_t row_elems_;
+    const AcrossPlan across_;
     Out* dst_ = nullptr;
     int dst_step_ = 0;
     int written_ = 0;
@@ -543,8 +574,10 @@ private:
 
 template <class Op>
 int run_strip(OruMorphState* s, const MorphRows<typename Op::E, typename Op::Out>& k, const typename Op::Out* src,
-              int src_step, typename Op::Out* dst, int dst_step, int width, int height, int flag) {
-    return Strip<Op>(s, k, width).run(src, src_step, dst, dst_step, height, flag);
+              int src_step, typename Op::Out* dst, int dst_step, int width, int height, int flag,
+              const MorphRows<typename Op::E, typename Op::Out>* plain = nullptr,
+              bool (*has_nan)(const float*, int) = nullptr) {
+    return Strip<Op>(s, k, plain ? *plain : k, has_nan, width).run(src, src_step, dst, dst_step, height, flag);
 }
 
 }  // namespace
@@ -563,8 +596,11 @@ int morph_strip(OruMorphState* s, bool dilate, const Oru32f* src, int src_step, 
         if (dilate) return run_strip<scalar::MaxKey>(s, k.max_key, src, src_step, dst, dst_step, width, height, flag);
         return run_strip<scalar::MinKey>(s, k.min_key, src, src_step, dst, dst_step, width, height, flag);
     }
-    if (dilate) return run_strip<scalar::MaxF32>(s, k.max_32f, src, src_step, dst, dst_step, width, height, flag);
-    return run_strip<scalar::MinF32>(s, k.min_32f, src, src_step, dst, dst_step, width, height, flag);
+    if (dilate)
+        return run_strip<scalar::MaxF32>(s, k.max_32f, src, src_step, dst, dst_step, width, height, flag,
+                                         &k.max_32f_plain, k.has_nan);
+    return run_strip<scalar::MinF32>(s, k.min_32f, src, src_step, dst, dst_step, width, height, flag,
+                                     &k.min_32f_plain, k.has_nan);
 }
 
 }  // namespace a6

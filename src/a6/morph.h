@@ -31,7 +31,7 @@ struct OruMorphState {
     uint32_t maskOffset;  // shape 100: one byte per element (1 member, 0 not), then the row links
     int32_t members;      // shape 100: the number of members
     int32_t width;        // the width of the image in progress
-    int32_t reserved;
+    int32_t nanSeen;      // 32f rectangles and crosses: a NaN has come in this image
     int64_t streamRows;   // rows the ring has taken for this image, border copies included; 0: no image in progress
 };
 static_assert(sizeof(OruMorphState) == 64, "the state's fields take 64 bytes");
@@ -56,7 +56,11 @@ struct MorphRows {
 struct MorphKernels {
     MorphRows<uint8_t, uint8_t> min_8u, max_8u;
     MorphRows<uint32_t, float> min_32f, max_32f;  // floats compared directly, carried as bits
-    MorphRows<int32_t, float> min_key, max_key;   // order keys of floats
+    // The same for rows without NaNs: the bare packed minimum and maximum,
+    // which give the same results there at a third of the work.
+    MorphRows<uint32_t, float> min_32f_plain, max_32f_plain;
+    MorphRows<int32_t, float> min_key, max_key;  // order keys of floats
+    bool (*has_nan)(const float* src, int n);
 };
 
 extern const MorphKernels morph_kernels_scalar;
@@ -146,6 +150,29 @@ struct MaxF32 {
     static E in(E v) { return v; }
     static constexpr E kEmpty = 0xFF800000u;
 };
+
+// The same on rows without NaNs.
+struct MinF32Plain {
+    using E = uint32_t;
+    using Out = float;
+    static E op(E a, E b) { return bits_float(a) < bits_float(b) ? a : b; }
+    static E out(E v) { return v; }
+    static E in(E v) { return v; }
+};
+struct MaxF32Plain {
+    using E = uint32_t;
+    using Out = float;
+    static E op(E a, E b) { return bits_float(a) > bits_float(b) ? a : b; }
+    static E out(E v) { return v; }
+    static E in(E v) { return v; }
+};
+
+static inline bool has_nan_from(const float* src, int from, int n) {
+    for (int k = from; k < n; ++k)
+        if (is_nan_bits(ld<uint32_t>(src + k))) return true;
+    return false;
+}
+static inline bool has_nan(const float* src, int n) { return has_nan_from(src, 0, n); }
 
 // Order keys: the low 31 bits complemented where the sign is set, so that
 // signed comparison follows the float order (-0.0 below +0.0); the mapping

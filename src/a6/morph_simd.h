@@ -45,6 +45,18 @@ struct MorphVec {
         static I out(I v) { return V::cast(V::quiet_nans(V::castf(v))); }
         static I in(I v) { return v; }
     };
+    struct MinF32Plain {
+        using S = scalar::MinF32Plain;
+        static I op(I a, I b) { return V::cast(V::minf(V::castf(a), V::castf(b))); }
+        static I out(I v) { return v; }
+        static I in(I v) { return v; }
+    };
+    struct MaxF32Plain {
+        using S = scalar::MaxF32Plain;
+        static I op(I a, I b) { return V::cast(V::maxf(V::castf(a), V::castf(b))); }
+        static I out(I v) { return v; }
+        static I in(I v) { return v; }
+    };
     struct MinKey {
         using S = scalar::MinKey;
         static I op(I a, I b) { return V::min32(a, b); }
@@ -58,16 +70,37 @@ struct MorphVec {
         static I in(I v) { return key(v); }
     };
 
+    // Folds of up to eight rows keep their row pointers in registers (K is
+    // the count); longer ones (K = 0) read them from the list.
     template <class Op, bool kOut>
-    static void fold(const typename Op::S::E* const* rows, int count, void* dst_bytes, int n) {
+    static void fold(const typename Op::S::E* const* rows, int count, void* dst, int n) {
         using E = typename Op::S::E;
+        E* d = static_cast<E*>(dst);
+        switch (count) {
+        case 1: return fold_k<Op, kOut, 1>(rows, count, d, n);
+        case 2: return fold_k<Op, kOut, 2>(rows, count, d, n);
+        case 3: return fold_k<Op, kOut, 3>(rows, count, d, n);
+        case 4: return fold_k<Op, kOut, 4>(rows, count, d, n);
+        case 5: return fold_k<Op, kOut, 5>(rows, count, d, n);
+        case 6: return fold_k<Op, kOut, 6>(rows, count, d, n);
+        case 7: return fold_k<Op, kOut, 7>(rows, count, d, n);
+        case 8: return fold_k<Op, kOut, 8>(rows, count, d, n);
+        default: return fold_k<Op, kOut, 0>(rows, count, d, n);
+        }
+    }
+
+    template <class Op, bool kOut, int K, class E>
+    static void fold_k(const E* const* list, int count, E* dst, int n) {
         constexpr int N = V::kBytes / static_cast<int>(sizeof(E));
-        E* dst = static_cast<E*>(dst_bytes);
+        const E* fixed[K > 0 ? K : 1];
+        for (int m = 0; m < K; ++m) fixed[m] = list[m];
+        const E* const* rows = K > 0 ? fixed : list;
+        const int c = K > 0 ? K : count;
         int i = 0;
         for (; i + 4 * N <= n; i += 4 * N) {
             const E* p = rows[0] + i;
             I a0 = V::load(p), a1 = V::load(p + N), a2 = V::load(p + 2 * N), a3 = V::load(p + 3 * N);
-            for (int m = 1; m < count; ++m) {
+            for (int m = 1; m < c; ++m) {
                 p = rows[m] + i;
                 a0 = Op::op(a0, V::load(p));
                 a1 = Op::op(a1, V::load(p + N));
@@ -80,12 +113,32 @@ struct MorphVec {
             V::store(dst + i + 2 * N, a2);
             V::store(dst + i + 3 * N, a3);
         }
-        for (; i + N <= n; i += N) {
-            I a = V::load(rows[0] + i);
-            for (int m = 1; m < count; ++m) a = Op::op(a, V::load(rows[m] + i));
-            V::store(dst + i, kOut ? Op::out(a) : a);
+        for (; i + N <= n; i += N) one<Op, kOut>(rows, c, dst, i);
+        if (i < n && n >= N && !reads_ahead(rows, c, dst, n, kOut)) {
+            // The last vector again, overlapping: elements computed twice
+            // come out the same, as every fold is idempotent (but not the
+            // mapping to the caller's bits, so not where a row is dst).
+            one<Op, kOut>(rows, c, dst, n - N);
+            return;
         }
-        scalar::fold_from<typename Op::S, kOut>(rows, count, dst, i, n);
+        scalar::fold_from<typename Op::S, kOut>(rows, c, dst, i, n);
+    }
+    template <class Op, bool kOut, class E>
+    static void one(const E* const* rows, int count, E* dst, int i) {
+        I a = V::load(rows[0] + i);
+        for (int m = 1; m < count; ++m) a = Op::op(a, V::load(rows[m] + i));
+        V::store(dst + i, kOut ? Op::out(a) : a);
+    }
+    // Whether a row starts inside the elements written after dst's first
+    // (with_dst: or at dst): an in-place pass reading what it has written.
+    template <class E>
+    static bool reads_ahead(const E* const* rows, int count, const E* dst, int n, bool with_dst) {
+        const uintptr_t from = reinterpret_cast<uintptr_t>(dst), to = reinterpret_cast<uintptr_t>(dst + n);
+        for (int m = 0; m < count; ++m) {
+            const uintptr_t p = reinterpret_cast<uintptr_t>(rows[m]);
+            if ((p > from || (with_dst && p == from)) && p < to) return true;
+        }
+        return false;
     }
 
     template <class Op>
@@ -108,8 +161,25 @@ struct MorphVec {
             V::store(dst + i + N, Op::in(b));
         }
         for (; i + N <= n; i += N) V::store(dst + i, Op::in(V::load(src + i)));
-        scalar::load_from<typename Op::S>(src, dst, i, n);
+        if (i < n && n >= N) V::store(dst + n - N, Op::in(V::load(src + n - N)));
+        else scalar::load_from<typename Op::S>(src, dst, i, n);
     }
+
+    static bool has_nan(const float* src, int n) {
+        using F = typename V::F;
+        F any = V::zerof();
+        int i = 0;
+        for (; i + 2 * V::kFloats <= n; i += 2 * V::kFloats) {
+            const F a = V::loadf(src + i), b = V::loadf(src + i + V::kFloats);
+            any = _or(any, _or(V::cmpunordf(a, a), V::cmpunordf(b, b)));
+        }
+        for (; i + V::kFloats <= n; i += V::kFloats) {
+            const F a = V::loadf(src + i);
+            any = _or(any, V::cmpunordf(a, a));
+        }
+        return V::movemaskf(any) != 0 || scalar::has_nan_from(src, i, n);
+    }
+    static typename V::F _or(typename V::F a, typename V::F b) { return V::castf(V::or_(V::cast(a), V::cast(b))); }
 
     template <class Op>
     static constexpr MorphRows<typename Op::S::E, typename Op::S::Out> rows_of() {
@@ -126,8 +196,11 @@ struct MorphVec {
         k.max_8u = rows_of<MaxU8>();
         k.min_32f = rows_of<MinF32>();
         k.max_32f = rows_of<MaxF32>();
+        k.min_32f_plain = rows_of<MinF32Plain>();
+        k.max_32f_plain = rows_of<MaxF32Plain>();
         k.min_key = rows_of<MinKey>();
         k.max_key = rows_of<MaxKey>();
+        k.has_nan = has_nan;
         return k;
     }
 };
