@@ -31,6 +31,7 @@ constexpr MorphRows<typename Op::E, typename Op::Out> scalar_rows() {
     MorphRows<typename Op::E, typename Op::Out> r{};
     r.reduce = scalar::reduce<Op>;
     r.reduce_out = scalar::reduce_out<Op>;
+    r.reduce_out_stream = scalar::reduce_out<Op>;
     r.load = scalar::load<Op>;
     return r;
 }
@@ -46,6 +47,7 @@ constexpr MorphKernels scalar_table() {
     k.min_key = scalar_rows<scalar::MinKey>();
     k.max_key = scalar_rows<scalar::MaxKey>();
     k.has_nan = scalar::has_nan;
+    k.stream_fence = scalar::stream_fence;
     return k;
 }
 
@@ -60,6 +62,9 @@ namespace {
 constexpr uint64_t kHeaderBytes = sizeof(OruMorphState);
 // Rows one kernel call folds; longer folds go on in their destination.
 constexpr int kMaxTerms = 64;
+// Calls writing at least this many bytes store their destination rows past
+// the caches, which could not hold them with the source anyway.
+constexpr int64_t kStreamBytes = int64_t{16} << 20;
 // Rectangles from this height fold their rows as running minima (maxima).
 constexpr int kRunningFromHeight = 9;
 
@@ -260,8 +265,8 @@ public:
     // k: the kernels; plain: those for rows without NaNs, used until a
     // NaN comes in, which has_nan (null: never) finds.
     Strip(OruMorphState* s, const MorphRows<E, Out>& k, const MorphRows<E, Out>& plain,
-          bool (*has_nan)(const float*, int), int width)
-        : s_(s), k_(&k), k_nan_(&k), k_plain_(&plain), has_nan_(has_nan), w_(width), c_(s->numChannels), mw_(s->maskWidth), b_(s->maskHeight), ax_(s->anchorX),
+          bool (*has_nan)(const float*, int), void (*fence)(), int width)
+        : s_(s), k_(&k), k_nan_(&k), k_plain_(&plain), has_nan_(has_nan), fence_(fence), w_(width), c_(s->numChannels), mw_(s->maskWidth), b_(s->maskHeight), ax_(s->anchorX),
           ay_(s->anchorY), n_(width * s->numChannels), wide_((width + s->maskWidth - 1) * s->numChannels),
           running_(s->shape == 0 && s->maskHeight >= kRunningFromHeight),
           ring_(reinterpret_cast<E*>(reinterpret_cast<uint8_t*>(s) + s->ringOffset)),
@@ -277,6 +282,7 @@ public:
         dst_ = dst;
         dst_step_ = dst_step;
         written_ = 0;
+        stream_ = static_cast<int64_t>(n_) * static_cast<int64_t>(sizeof(Out)) * height >= kStreamBytes;
         for (int y = 0; y < height; ++y) take(row_at(src, src_step, y));
         if (flag == 0 || flag == 2) {
             const int64_t end = s_->streamRows + (b_ - 1 - ay_);
@@ -286,6 +292,7 @@ public:
             }
             s_->streamRows = 0;
         }
+        if (stream_) fence_();
         return written_;
     }
 
@@ -293,6 +300,10 @@ private:
     E* ring(int64_t pos) const { return ring_ + static_cast<size_t>(pos % b_) * row_elems_; }
     E* spare() const { return ring_ + static_cast<size_t>(b_) * row_elems_; }
     Out* out_row() const { return row_at(dst_, dst_step_, written_); }
+    // Folds rows into a destination row.
+    void store_row(const E* const* rows, int count, Out* row) const {
+        (stream_ ? k_->reduce_out_stream : k_->reduce_out)(rows, count, row, n_);
+    }
     // Elements a ring row holds.
     int content() const { return s_->shape == 100 ? wide_ : n_; }
 
@@ -362,28 +373,29 @@ private:
         }
         const int left_end = ax_ < w ? ax_ : w;
         const int right_begin = inner + ax_ > left_end ? inner + ax_ : left_end;
+        // Left: pixel 0's window ends at column width - 1 - anchorX, and each
+        // next pixel's one column further (while the row lasts). Right: the
+        // last pixel's window starts at column w - 1 - anchorX, each earlier
+        // pixel's one column before (down to column 0).
         for (int ch = 0; ch < c; ++ch) {
+            auto at = [&](int x) { return scalar::ld<E>(src + static_cast<size_t>(x) * c + ch); };
             if (left_end > 0) {
-                E acc = scalar::ld<E>(src + ch);
-                int hi = 0;
-                for (int x = 0; x < left_end; ++x) {
-                    const int want = x - ax_ + width - 1 < w - 1 ? x - ax_ + width - 1 : w - 1;
-                    while (hi < want) {
-                        ++hi;
-                        acc = Op::op(acc, scalar::ld<E>(src + static_cast<size_t>(hi) * c + ch));
-                    }
+                int hi = width - 1 - ax_ < w - 1 ? width - 1 - ax_ : w - 1;
+                E acc = at(0);
+                for (int x = 1; x <= hi; ++x) acc = Op::op(acc, at(x));
+                dst[ch] = acc;
+                for (int x = 1; x < left_end; ++x) {
+                    if (hi < w - 1) acc = Op::op(acc, at(++hi));
                     dst[static_cast<size_t>(x) * c + ch] = acc;
                 }
             }
             if (right_begin < w) {
-                E acc = scalar::ld<E>(src + static_cast<size_t>(w - 1) * c + ch);
-                int lo = w - 1;
-                for (int x = w - 1; x >= right_begin; --x) {
-                    const int want = x - ax_ > 0 ? x - ax_ : 0;
-                    while (lo > want) {
-                        --lo;
-                        acc = Op::op(scalar::ld<E>(src + static_cast<size_t>(lo) * c + ch), acc);
-                    }
+                int lo = w - 1 - ax_ > 0 ? w - 1 - ax_ : 0;
+                E acc = at(w - 1);
+                for (int x = w - 2; x >= lo; --x) acc = Op::op(at(x), acc);
+                dst[static_cast<size_t>(w - 1) * c + ch] = acc;
+                for (int x = w - 2; x >= right_begin; --x) {
+                    if (lo > 0) acc = Op::op(at(--lo), acc);
                     dst[static_cast<size_t>(x) * c + ch] = acc;
                 }
             }
@@ -414,7 +426,7 @@ private:
             }
             t[used++] = row(i);
         }
-        k_->reduce_out(t, used, out, n_);
+        store_row(t, used, out);
         ++written_;
     }
 
@@ -444,7 +456,7 @@ private:
                 p = prefix;
             }
             const E* out[2] = {ring(pos + 1), p};
-            k_->reduce_out(out, 2, out_row(), n_);
+            store_row(out, 2, out_row());
             ++written_;
         }
         if (u == b_ - 1) {
@@ -453,7 +465,7 @@ private:
                 k_->reduce(pair, 2, ring(t), n_);
             }
             const E* out[2] = {ring(0), ring(1)};
-            k_->reduce_out(out, b_ == 1 ? 1 : 2, out_row(), n_);
+            store_row(out, b_ == 1 ? 1 : 2, out_row());
             ++written_;
         }
     }
@@ -526,7 +538,7 @@ private:
                 else spill();  // the spare row is about to change
                 fold_group(y, row, plan, add);
             }
-        k_->reduce_out(t, used, out, n_);
+        store_row(t, used, out);
     }
 
     template <class Add>
@@ -562,6 +574,7 @@ private:
     const MorphRows<E, Out>* const k_nan_;
     const MorphRows<E, Out>* const k_plain_;
     bool (*const has_nan_)(const float*, int);
+    void (*const fence_)();
     const int w_, c_, mw_, b_, ax_, ay_, n_, wide_;
     const bool running_;
     E* ring_;
@@ -570,6 +583,7 @@ private:
     Out* dst_ = nullptr;
     int dst_step_ = 0;
     int written_ = 0;
+    bool stream_ = false;
 };
 
 template <class Op>
@@ -577,7 +591,8 @@ int run_strip(OruMorphState* s, const MorphRows<typename Op::E, typename Op::Out
               int src_step, typename Op::Out* dst, int dst_step, int width, int height, int flag,
               const MorphRows<typename Op::E, typename Op::Out>* plain = nullptr,
               bool (*has_nan)(const float*, int) = nullptr) {
-    return Strip<Op>(s, k, plain ? *plain : k, has_nan, width).run(src, src_step, dst, dst_step, height, flag);
+    return Strip<Op>(s, k, plain ? *plain : k, has_nan, morph_kernels().stream_fence, width)
+        .run(src, src_step, dst, dst_step, height, flag);
 }
 
 }  // namespace

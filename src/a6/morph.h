@@ -49,6 +49,8 @@ struct MorphRows {
     void (*reduce)(const E* const* rows, int count, E* dst, int n);
     // The same fold, stored as the caller's pixels.
     void (*reduce_out)(const E* const* rows, int count, Out* dst, int n);
+    // reduce_out storing past the caches, for outputs too large for them.
+    void (*reduce_out_stream)(const E* const* rows, int count, Out* dst, int n);
     // n of the caller's elements into ring elements.
     void (*load)(const Out* src, E* dst, int n);
 };
@@ -61,6 +63,8 @@ struct MorphKernels {
     MorphRows<uint32_t, float> min_32f_plain, max_32f_plain;
     MorphRows<int32_t, float> min_key, max_key;  // order keys of floats
     bool (*has_nan)(const float* src, int n);
+    // Orders the stores of reduce_out_stream before those that follow.
+    void (*stream_fence)();
 };
 
 extern const MorphKernels morph_kernels_scalar;
@@ -220,6 +224,7 @@ template <class Op>
 static inline void reduce_out(const typename Op::E* const* rows, int count, typename Op::Out* dst, int n) {
     fold_from<Op, true>(rows, count, dst, 0, n);
 }
+static inline void stream_fence() {}
 template <class Op>
 static inline void load(const typename Op::Out* src, typename Op::E* dst, int n) {
     load_from<Op>(src, dst, 0, n);

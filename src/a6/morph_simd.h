@@ -96,6 +96,13 @@ struct MorphVec {
         for (int m = 0; m < K; ++m) fixed[m] = list[m];
         const E* const* rows = K > 0 ? fixed : list;
         const int c = K > 0 ? K : count;
+        // A row not a whole number of vectors ends with a vector that
+        // overlaps the one before it. It is computed first, before any
+        // store, and stored last: an in-place pass reads only elements at
+        // or after those it writes, so every element it computes comes from
+        // the rows as they were.
+        const bool overlap = n >= N && n % N != 0;
+        const I last = overlap ? vector<Op, kOut>(rows, c, n - N) : I();
         int i = 0;
         for (; i + 4 * N <= n; i += 4 * N) {
             const E* p = rows[0] + i;
@@ -113,34 +120,16 @@ struct MorphVec {
             V::store(dst + i + 2 * N, a2);
             V::store(dst + i + 3 * N, a3);
         }
-        for (; i + N <= n; i += N) one<Op, kOut>(rows, c, dst, i);
-        if (i < n && n >= N && !reads_ahead(rows, c, dst, n, kOut)) {
-            // The last vector again, overlapping: elements computed twice
-            // come out the same, as every fold is idempotent (but not the
-            // mapping to the caller's bits, so not where a row is dst).
-            one<Op, kOut>(rows, c, dst, n - N);
-            return;
-        }
-        scalar::fold_from<typename Op::S, kOut>(rows, c, dst, i, n);
+        for (; i + N <= n; i += N) V::store(dst + i, vector<Op, kOut>(rows, c, i));
+        if (overlap) V::store(dst + n - N, last);
+        else scalar::fold_from<typename Op::S, kOut>(rows, c, dst, i, n);
     }
     template <class Op, bool kOut, class E>
-    static void one(const E* const* rows, int count, E* dst, int i) {
+    static I vector(const E* const* rows, int count, int i) {
         I a = V::load(rows[0] + i);
         for (int m = 1; m < count; ++m) a = Op::op(a, V::load(rows[m] + i));
-        V::store(dst + i, kOut ? Op::out(a) : a);
+        return kOut ? Op::out(a) : a;
     }
-    // Whether a row starts inside the elements written after dst's first
-    // (with_dst: or at dst): an in-place pass reading what it has written.
-    template <class E>
-    static bool reads_ahead(const E* const* rows, int count, const E* dst, int n, bool with_dst) {
-        const uintptr_t from = reinterpret_cast<uintptr_t>(dst), to = reinterpret_cast<uintptr_t>(dst + n);
-        for (int m = 0; m < count; ++m) {
-            const uintptr_t p = reinterpret_cast<uintptr_t>(rows[m]);
-            if ((p > from || (with_dst && p == from)) && p < to) return true;
-        }
-        return false;
-    }
-
     template <class Op>
     static void reduce(const typename Op::S::E* const* rows, int count, typename Op::S::E* dst, int n) {
         fold<Op, false>(rows, count, dst, n);
@@ -149,6 +138,23 @@ struct MorphVec {
     static void reduce_out(const typename Op::S::E* const* rows, int count, typename Op::S::Out* dst, int n) {
         fold<Op, true>(rows, count, dst, n);
     }
+    // reduce_out with non-temporal stores from the first element aligned to
+    // a vector on (elements before it and after the last whole vector come
+    // from the scalar twin).
+    template <class Op>
+    static void reduce_out_stream(const typename Op::S::E* const* rows, int count, typename Op::S::Out* dst, int n) {
+        using E = typename Op::S::E;
+        constexpr int N = V::kBytes / static_cast<int>(sizeof(E));
+        E* d = reinterpret_cast<E*>(dst);
+        const uintptr_t at = reinterpret_cast<uintptr_t>(d);
+        const int head = static_cast<int>((V::kBytes - at % V::kBytes) % V::kBytes / sizeof(E));
+        if (at % sizeof(E) != 0 || head + N > n) return fold<Op, true>(rows, count, d, n);
+        scalar::fold_from<typename Op::S, true>(rows, count, d, 0, head);
+        int i = head;
+        for (; i + N <= n; i += N) V::stream(d + i, vector<Op, true>(rows, count, i));
+        scalar::fold_from<typename Op::S, true>(rows, count, d, i, n);
+    }
+
     // The caller's elements into the ring: a copy, or their order keys.
     template <class Op>
     static void load(const typename Op::S::Out* src, typename Op::S::E* dst, int n) {
@@ -186,6 +192,7 @@ struct MorphVec {
         MorphRows<typename Op::S::E, typename Op::S::Out> r{};
         r.reduce = reduce<Op>;
         r.reduce_out = reduce_out<Op>;
+        r.reduce_out_stream = reduce_out_stream<Op>;
         r.load = load<Op>;
         return r;
     }
@@ -201,6 +208,7 @@ struct MorphVec {
         k.min_key = rows_of<MinKey>();
         k.max_key = rows_of<MaxKey>();
         k.has_nan = has_nan;
+        k.stream_fence = V::stream_fence;
         return k;
     }
 };

@@ -179,6 +179,9 @@ struct Avx2 {
     // ---- Morphology: order keys of floats compared as signed 32-bit integers
     static I min32(I a, I b) { return _mm256_min_epi32(a, b); }
     static I max32(I a, I b) { return _mm256_max_epi32(a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm256_stream_si256(static_cast<__m256i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
 };
 
 }  // namespace

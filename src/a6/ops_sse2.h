@@ -192,6 +192,9 @@ struct Sse2 {
     // ---- Morphology: order keys of floats compared as signed 32-bit integers
     static I min32(I a, I b) { return select(cmpgt32(a, b), b, a); }
     static I max32(I a, I b) { return select(cmpgt32(a, b), a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm_stream_si128(static_cast<__m128i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
 };
 
 }  // namespace
