@@ -398,7 +398,7 @@ TEST(MorphPaths, ElementSizesAndAnchors) {
     const struct {
         int w, h, ax, ay;
     } large[] = {{15, 3, 7, 1}, {3, 15, 1, 7}, {15, 15, 3, 12}, {12, 1, 11, 0}, {1, 12, 0, 0}, {9, 9, 4, 4},
-                 {33, 2, 5, 1}, {2, 40, 1, 39}, {64, 1, 0, 0}, {100, 3, 50, 2}};
+                 {33, 2, 5, 1}, {2, 40, 1, 39}, {64, 1, 0, 0}, {100, 3, 50, 2}, {3, 70, 1, 35}};
     for (const auto& l : large)
         for (int shape : {kRect, kCross, kMask})
             for (bool is_float : {false, true})
