@@ -11,6 +11,7 @@
 #include "eigen_list.h"
 #include "filter_list.h"
 #include "frame_list.h"
+#include "morph_list.h"
 #include "sobel3x3_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
@@ -20,7 +21,8 @@
     ORUCV_ACCUM_FUNCTIONS(X)     \
     ORUCV_SOBEL3X3_FUNCTIONS(X)  \
     ORUCV_CANNY_FUNCTIONS(X)     \
-    ORUCV_FRAME_FUNCTIONS(X)
+    ORUCV_FRAME_FUNCTIONS(X)     \
+    ORUCV_MORPH_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared
 // name is listed waits for them.

@@ -287,6 +287,12 @@ struct Avx2 {
     }
     static I narrow_u8(I v) { return _mm256_zextsi128_si256(_mm_packus_epi16(low(v), high(v))); }
     static I narrow_s8(I v) { return _mm256_zextsi128_si256(_mm_packs_epi16(low(v), high(v))); }
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
+    static I min32(I a, I b) { return _mm256_min_epi32(a, b); }
+    static I max32(I a, I b) { return _mm256_max_epi32(a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm256_stream_si256(static_cast<__m256i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
 };
 
 }  // namespace

@@ -295,6 +295,12 @@ struct Sse2 {
     // kBytes / 2 bytes in the low half, in order, the high half zero.
     static I narrow_u8(I v) { return _mm_packus_epi16(v, zero()); }
     static I narrow_s8(I v) { return _mm_packs_epi16(v, zero()); }
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
+    static I min32(I a, I b) { return select(cmpgt32(a, b), b, a); }
+    static I max32(I a, I b) { return select(cmpgt32(a, b), a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm_stream_si128(static_cast<__m128i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
 };
 
 }  // namespace
