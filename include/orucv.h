@@ -645,6 +645,30 @@ ORUCV_API OruStatus oruiMatchTemplateGetBufSize_Coeff(OruSize srcRoiSize, OruSiz
 ORUCV_API OruStatus oruiMatchTemplateGetBufSize_CoeffNormed(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
                                                             int* pBufferSize);
 
+/* ---- Line sampling --------------------------------------------------------- */
+/* Copies the pixels of the digital line from pt1 to pt2 into pDst, densely
+ * and in order (pixel k at element k * channels): n = max(|x2 - x1|,
+ * |y2 - y1|) + 1 pixels, the first pt1 and the last exactly pt2; nothing else
+ * of pDst is written, so it must hold n pixels. The line follows Bresenham's
+ * integer stepping along its major axis (y when |dx| <= |dy|: a tie counts
+ * as steep); after k steps the minor coordinate has moved by
+ * ceil(minor * k / major - 1/2), so an exact half rounds toward pt1, and the
+ * two directions of one segment can select different pixels. Pixels are
+ * copied bit for bit (float NaN payloads included).
+ * Checks, in order: pSrc or pDst NULL (oruStsNullPointer); srcStep < 1
+ * (oruStsStep); width or height below 1 (oruStsSize); float images: srcStep
+ * not a multiple of 4 (oruStsNotEvenStep); then srcStep below the row width
+ * in bytes, or a point outside the region (x not in 0 .. width - 1, y not in
+ * 0 .. height - 1) give oruStsBadLine. */
+ORUCV_API OruStatus oruiSampleLine_8u_C1R(const Oru8u* pSrc, int srcStep, OruSize roiSize, Oru8u* pDst,
+                                          OruPoint pt1, OruPoint pt2);
+ORUCV_API OruStatus oruiSampleLine_8u_C3R(const Oru8u* pSrc, int srcStep, OruSize roiSize, Oru8u* pDst,
+                                          OruPoint pt1, OruPoint pt2);
+ORUCV_API OruStatus oruiSampleLine_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize roiSize, Oru32f* pDst,
+                                           OruPoint pt1, OruPoint pt2);
+ORUCV_API OruStatus oruiSampleLine_32f_C3R(const Oru32f* pSrc, int srcStep, OruSize roiSize, Oru32f* pDst,
+                                           OruPoint pt1, OruPoint pt2);
+
 #ifdef __cplusplus
 }
 #endif

@@ -175,6 +175,13 @@ struct Avx2 {
         h = _mm_add_epi32(h, _mm_shuffle_epi32(h, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(h);
     }
+
+    // ---- Gathers (line sampling)
+    // The 32-bit elements at base + each lane's byte offset; reads exactly
+    // four bytes per lane.
+    static I gather32(const void* base, I byte_offsets) {
+        return _mm256_i32gather_epi32(static_cast<const int*>(base), byte_offsets, 1);
+    }
 };
 
 }  // namespace

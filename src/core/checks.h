@@ -87,4 +87,10 @@ inline OruStatus check_order_d(std::initializer_list<const void*> pointers, std:
     return oruStsOk;
 }
 
+// Line sampling: order A with its one step; the line itself is checked when
+// it is set up (oruStsBadLine).
+inline OruStatus check_sample_line(const void* src, const void* dst, int step, OruSize roi, int float_element_bytes) {
+    return check_order_a({src, dst}, {step}, roi, float_element_bytes);
+}
+
 }  // namespace orucv
