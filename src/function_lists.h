@@ -6,10 +6,12 @@
 #pragma once
 
 #include "absdiff_list.h"
+#include "fastarctan_list.h"
 #include "samplers_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
     ORUCV_ABSDIFF_FUNCTIONS(X) \
+    ORUCV_FASTARCTAN_FUNCTIONS(X) \
     ORUCV_SAMPLERS_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared

@@ -93,4 +93,12 @@ inline OruStatus check_sample_line(const void* src, const void* dst, int step, O
     return check_order_a({src, dst}, {step}, roi, float_element_bytes);
 }
 
+// Fast arctangent: a null array (oruStsNullPointer), then a negative length
+// (oruStsSize).
+inline OruStatus check_fast_arctan(const void* y, const void* x, const void* dst, int len) {
+    if (any_null({y, x, dst})) return oruStsNullPointer;
+    if (len < 0) return oruStsSize;
+    return oruStsOk;
+}
+
 }  // namespace orucv
