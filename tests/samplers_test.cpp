@@ -3,7 +3,6 @@
 // regions from 1x1 to 9x9, long lines across padded images, coordinates near
 // the int limits, and every path.
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 
 #include <climits>
 #include <cstdint>
@@ -233,106 +232,48 @@ TEST(SampleLinePaths, LongLinesInEveryOctant) {
     });
 }
 
-// The first pixel's offset and the steps exceed an int: addresses are formed
-// in pointer-wide arithmetic. The caller's pointer is placed so that the
-// points land in a small image (only those bytes exist).
-TEST(SampleLineLimits, CoordinatesNearIntLimits) {
-    for_each_function([](const Function& fn, auto t) {
-        using T = decltype(t);
-        const int pixel = static_cast<int>(sizeof(T)) * fn.channels;
-        // A window of 16 x 10 pixels whose rows are about 1 MiB apart, at
-        // (x0, y0) of a region INT_MAX rows high.
-        {
-            const int win_w = 16, win_h = 10;
-            const GuardedImage<T> window = random_image<T>(fn, win_w, win_h, (1 << 20) / pixel - win_w, 1, 5);
-            const int x0 = 3, y0 = INT_MAX - win_h;
-            const uintptr_t origin = reinterpret_cast<uintptr_t>(window.data()) -
-                                     static_cast<uintptr_t>(static_cast<unsigned long long>(y0) * window.step()) -
-                                     static_cast<uintptr_t>(x0 * pixel);
-            const void* src = reinterpret_cast<const void*>(origin);
-            const OruSize roi{x0 + win_w, INT_MAX};
-            Rng rng(11);
-            for (int i = 0; i < 60; ++i) {
-                const OruPoint a{rng.uniform(0, win_w - 1), rng.uniform(0, win_h - 1)};
-                const OruPoint b{rng.uniform(0, win_w - 1), rng.uniform(0, win_h - 1)};
-                const std::vector<OruPoint> points = model_line(a, b);
-                GuardedImage<T> dst(static_cast<int>(points.size()), 1, fn.channels);
-                for (orucv::SimdLevel level : available_levels()) {
-                    ScopedSimdLevel scoped(level);
-                    ASSERT_EQ(fn.call(src, window.step(), roi, dst.data(), {x0 + a.x, y0 + a.y}, {x0 + b.x, y0 + b.y}),
-                              oruStsOk);
-                    EXPECT_TRUE(holds_line(window, points, dst.data())) << level_name(level);
-                }
-            }
+// Samples lines given in window coordinates, where the window holds pixels
+// (x0, y0) .. of a region far larger than memory: the caller's pointer is
+// placed so that only the window's bytes are touched.
+template <class T>
+void expect_lines_in_window(const Function& fn, const GuardedImage<T>& window, int step, OruSize roi, int x0, int y0,
+                            const std::vector<std::pair<OruPoint, OruPoint>>& lines) {
+    const unsigned long long offset = static_cast<unsigned long long>(y0) * step +
+                                      static_cast<unsigned long long>(x0) * sizeof(T) * fn.channels;
+    const void* src = reinterpret_cast<const void*>(reinterpret_cast<uintptr_t>(window.data()) -
+                                                    static_cast<uintptr_t>(offset));
+    for (const auto& line : lines) {
+        const std::vector<OruPoint> points = model_line(line.first, line.second);
+        GuardedImage<T> dst(static_cast<int>(points.size()), 1, fn.channels);
+        const OruPoint a{x0 + line.first.x, y0 + line.first.y}, b{x0 + line.second.x, y0 + line.second.y};
+        for (orucv::SimdLevel level : available_levels()) {
+            ScopedSimdLevel scoped(level);
+            ASSERT_EQ(fn.call(src, step, roi, dst.data(), a, b), oruStsOk);
+            EXPECT_TRUE(holds_line(window, points, dst.data())) << level_name(level);
         }
-        // One row at the bottom right of a region INT_MAX rows high whose
-        // rows are as long as an int allows: horizontal lines both ways.
-        {
-            const int step = fn.is_float ? INT_MAX - 3 : INT_MAX;
-            const int width = step / pixel, n = 40;
-            const GuardedImage<T> row = random_image<T>(fn, n, 1, 0, 0, 6);
-            const int x0 = width - n, y0 = INT_MAX - 1;
-            const uintptr_t origin = reinterpret_cast<uintptr_t>(row.data()) -
-                                     static_cast<uintptr_t>(static_cast<unsigned long long>(y0) * step) -
-                                     static_cast<uintptr_t>(static_cast<unsigned long long>(x0) * pixel);
-            GuardedImage<T> dst(n, 1, fn.channels);
-            for (orucv::SimdLevel level : available_levels()) {
-                ScopedSimdLevel scoped(level);
-                for (bool forward : {true, false}) {
-                    const OruPoint a{x0, y0}, b{width - 1, y0};
-                    ASSERT_EQ(fn.call(reinterpret_cast<const void*>(origin), step, {width, INT_MAX}, dst.data(),
-                                      forward ? a : b, forward ? b : a),
-                              oruStsOk);
-                    std::vector<OruPoint> points = model_line({0, 0}, {n - 1, 0});
-                    if (!forward) points = model_line({n - 1, 0}, {0, 0});
-                    EXPECT_TRUE(holds_line(row, points, dst.data())) << level_name(level) << forward;
-                }
-            }
-        }
-    });
+    }
 }
 
-#if UINTPTR_MAX > 0xFFFFFFFFu
-// Diagonals whose rows lie about 2 GiB apart, in reserved address space
-// where only the pages around the line are accessible: steps near INT_MAX in
-// both directions at once.
-TEST(SampleLineLimits, StepsNearIntMax) {
+// Offsets beyond an int: rows about 1 MiB apart near row INT_MAX (random
+// lines in a 16 x 10 window), and a last row of INT_MAX - 1 rows whose step
+// is as large as an int allows (horizontal lines both ways at its end).
+TEST(SampleLineLimits, CoordinatesAndStepsNearIntLimits) {
     for_each_function([](const Function& fn, auto t) {
         using T = decltype(t);
         const int pixel = static_cast<int>(sizeof(T)) * fn.channels;
-        const int step = INT_MAX - 3, rows = 6, n = rows;
-        const size_t page = 4096, span = static_cast<size_t>(step) * rows;
-        void* reserved = mmap(nullptr, span, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
-        if (reserved == MAP_FAILED) GTEST_SKIP() << "no address space for rows 2 GiB apart";
-        uint8_t* base = static_cast<uint8_t*>(reserved);
-        const int width = step / pixel, x0 = width - n;
-        // Pixel (x0 + i, j) of the region at base, for i, j in 0..n-1.
-        auto pixel_at = [&](int x, int y) { return base + static_cast<size_t>(y) * step + static_cast<size_t>(x) * pixel; };
-        Rng rng(3);
-        for (int y = 0; y < rows; ++y) {
-            uint8_t* first = pixel_at(x0, y);
-            uint8_t* from = reinterpret_cast<uint8_t*>(reinterpret_cast<uintptr_t>(first) / page * page);
-            ASSERT_EQ(mprotect(from, static_cast<size_t>(first + n * pixel - from), PROT_READ | PROT_WRITE), 0);
-            for (int b = 0; b < n * pixel; ++b) first[b] = static_cast<uint8_t>(rng.next());
-        }
-        const OruPoint ends[][2] = {{{x0, 0}, {x0 + n - 1, n - 1}}, {{x0 + n - 1, n - 1}, {x0, 0}},
-                                    {{x0 + n - 1, 0}, {x0, n - 1}}, {{x0, n - 1}, {x0 + n - 1, 0}},
-                                    {{x0, 0}, {x0 + n - 1, 2}},     {{x0 + 2, n - 1}, {x0, 0}}};
-        for (const auto& e : ends) {
-            const std::vector<OruPoint> points = model_line(e[0], e[1]);
-            GuardedImage<T> dst(static_cast<int>(points.size()), 1, fn.channels);
-            for (orucv::SimdLevel level : available_levels()) {
-                ScopedSimdLevel scoped(level);
-                ASSERT_EQ(fn.call(base, step, {width, rows}, dst.data(), e[0], e[1]), oruStsOk);
-                for (size_t k = 0; k < points.size(); ++k)
-                    EXPECT_EQ(std::memcmp(pixel_at(points[k].x, points[k].y), dst.data() + k * fn.channels, pixel), 0)
-                        << level_name(level) << " point " << k;
-            }
-        }
-        munmap(reserved, span);
+        const GuardedImage<T> window = random_image<T>(fn, 16, 10, (1 << 20) / pixel - 16, 1, 5);
+        std::vector<std::pair<OruPoint, OruPoint>> lines;
+        Rng rng(11);
+        for (int i = 0; i < 60; ++i)
+            lines.push_back({{rng.uniform(0, 15), rng.uniform(0, 9)}, {rng.uniform(0, 15), rng.uniform(0, 9)}});
+        expect_lines_in_window<T>(fn, window, window.step(), {19, INT_MAX}, 3, INT_MAX - 10, lines);
+
+        const int step = fn.is_float ? INT_MAX - 3 : INT_MAX, width = step / pixel;
+        const GuardedImage<T> row = random_image<T>(fn, 40, 1, 0, 0, 6);
+        expect_lines_in_window<T>(fn, row, step, {width, INT_MAX}, width - 40, INT_MAX - 1,
+                                  {{{0, 0}, {39, 0}}, {{39, 0}, {0, 0}}, {{7, 0}, {30, 0}}});
     });
 }
-#endif
 
 TEST(SampleLineDeathTest, SetUpAssertsPixelSize) {
     GuardedImage<Oru8u> image(4, 4);
