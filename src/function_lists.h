@@ -6,11 +6,23 @@
 #pragma once
 
 #include "absdiff_list.h"
+#include "accum_list.h"
+#include "canny_list.h"
+#include "eigen_list.h"
 #include "fastarctan_list.h"
+#include "filter_list.h"
+#include "frame_list.h"
 #include "samplers_list.h"
+#include "sobel3x3_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
-    ORUCV_ABSDIFF_FUNCTIONS(X) \
+    ORUCV_ABSDIFF_FUNCTIONS(X)   \
+    ORUCV_FILTER_FUNCTIONS(X)    \
+    ORUCV_EIGEN_FUNCTIONS(X)     \
+    ORUCV_ACCUM_FUNCTIONS(X)     \
+    ORUCV_SOBEL3X3_FUNCTIONS(X)  \
+    ORUCV_CANNY_FUNCTIONS(X)     \
+    ORUCV_FRAME_FUNCTIONS(X)     \
     ORUCV_FASTARCTAN_FUNCTIONS(X) \
     ORUCV_SAMPLERS_FUNCTIONS(X)
 

@@ -6,29 +6,18 @@
 #include <climits>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <vector>
 
 #include "fastarctan_list.h"
 #include "orucv.h"
+#include "support/bits.h"
 #include "support/image.h"
 #include "support/simd.h"
 
 using namespace orutest;
 
 namespace {
-
-uint32_t bits(float f) {
-    uint32_t b;
-    std::memcpy(&b, &f, 4);
-    return b;
-}
-float from_bits(uint32_t b) {
-    float f;
-    std::memcpy(&f, &b, 4);
-    return f;
-}
 
 using Call = OruStatus (*)(const Oru32f* y, const Oru32f* x, Oru32f* dst, int len);
 struct Function {

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "a6/samplers.h"
@@ -110,6 +111,16 @@ void for_each_function(Each each) {
 }
 
 }  // namespace
+
+// The list makes both the wrappers and this table: its columns must say
+// what each name says.
+TEST(SampleLineList, ColumnsFollowTheNames) {
+    for (const Function& fn : kFunctions) {
+        const std::string name = fn.name;
+        EXPECT_NE(name.find(fn.is_float ? "_32f_" : "_8u_"), std::string::npos) << name;
+        EXPECT_NE(name.find("_C" + std::to_string(fn.channels) + "R"), std::string::npos) << name;
+    }
+}
 
 // Pointers, step, size and float step first; a short step and points outside
 // the region only then, as oruStsBadLine. Nothing is written on failure.
