@@ -9,9 +9,11 @@
 #include "accum_list.h"
 #include "canny_list.h"
 #include "eigen_list.h"
+#include "fastarctan_list.h"
 #include "filter_list.h"
 #include "frame_list.h"
 #include "morph_list.h"
+#include "samplers_list.h"
 #include "sobel3x3_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
@@ -22,7 +24,9 @@
     ORUCV_SOBEL3X3_FUNCTIONS(X)  \
     ORUCV_CANNY_FUNCTIONS(X)     \
     ORUCV_FRAME_FUNCTIONS(X)     \
-    ORUCV_MORPH_FUNCTIONS(X)
+    ORUCV_MORPH_FUNCTIONS(X)      \
+    ORUCV_FASTARCTAN_FUNCTIONS(X) \
+    ORUCV_SAMPLERS_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared
 // name is listed waits for them.

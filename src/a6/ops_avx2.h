@@ -293,6 +293,13 @@ struct Avx2 {
     // Morphology: stores past the caches for large outputs; p aligned to kBytes.
     static void stream(void* p, I v) { _mm256_stream_si256(static_cast<__m256i*>(p), v); }
     static void stream_fence() { _mm_sfence(); }
+
+    // ---- Gathers (line sampling)
+    // The 32-bit elements at base + each lane's byte offset; reads exactly
+    // four bytes per lane.
+    static I gather32(const void* base, I byte_offsets) {
+        return _mm256_i32gather_epi32(static_cast<const int*>(base), byte_offsets, 1);
+    }
 };
 
 }  // namespace

@@ -301,6 +301,18 @@ struct Sse2 {
     // Morphology: stores past the caches for large outputs; p aligned to kBytes.
     static void stream(void* p, I v) { _mm_stream_si128(static_cast<__m128i*>(p), v); }
     static void stream_fence() { _mm_sfence(); }
+
+    // ---- Gathers (line sampling)
+    // The 32-bit elements at base + each lane's byte offset; reads exactly
+    // four bytes per lane.
+    static I gather32(const void* base, I byte_offsets) {
+        alignas(16) int32_t o[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(o), byte_offsets);
+        const uint8_t* b = static_cast<const uint8_t*>(base);
+        int32_t v[4];
+        for (int j = 0; j < 4; ++j) std::memcpy(&v[j], b + o[j], 4);
+        return _mm_setr_epi32(v[0], v[1], v[2], v[3]);
+    }
 };
 
 }  // namespace

@@ -230,4 +230,18 @@ inline OruStatus check_morph_strip(const void* src, int src_step, const void* ds
     return oruStsOk;
 }
 
+// Line sampling: order A with its one step; the line itself is checked when
+// it is set up (oruStsBadLine).
+inline OruStatus check_sample_line(const void* src, const void* dst, int step, OruSize roi, int float_element_bytes) {
+    return check_order_a({src, dst}, {step}, roi, float_element_bytes);
+}
+
+// Fast arctangent: a null array (oruStsNullPointer), then a negative length
+// (oruStsSize).
+inline OruStatus check_fast_arctan(const void* y, const void* x, const void* dst, int len) {
+    if (any_null({y, x, dst})) return oruStsNullPointer;
+    if (len < 0) return oruStsSize;
+    return oruStsOk;
+}
+
 }  // namespace orucv

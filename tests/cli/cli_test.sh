@@ -294,6 +294,60 @@ progress)
     [ -s err.txt ] && fail "progress without a terminal: $(cat err.txt)"
     cmp -s tty.npy plain.npy || fail "scores differ on a terminal"
     ;;
+profile)
+    # The line's pixels in order, the half rounding toward the start: the
+    # two directions of one segment differ; RGB gives three values a row,
+    # 16-bit samples keep their values.
+    printf 'P5 5 3 255\n\x00\x01\x02\x03\x04\x0a\x0b\x0c\x0d\x0e\x14\x15\x16\x17\x18' >ramp.pgm
+    "$ORUCV" profile ramp.pgm 0,0 4,2 >fwd.txt && "$ORUCV" profile ramp.pgm 4,2 0,0 >back.txt || fail "profile"
+    [ "$(tr '\n' ' ' <fwd.txt)" = "index,x,y,value 0,0,0,0 1,1,0,1 2,2,1,12 3,3,1,13 4,4,2,24 " ] ||
+        fail "forward: $(cat fwd.txt)"
+    [ "$(tr '\n' ' ' <back.txt)" = "index,x,y,value 0,4,2,24 1,3,2,23 2,2,1,12 3,1,1,11 4,0,0,0 " ] ||
+        fail "backward: $(cat back.txt)"
+    printf 'P6 2 1 255\n\x01\x02\x03\x04\x05\x06' >pair.ppm
+    expect 0 "out:1,1,0,4,5,6" -- "$ORUCV" profile pair.ppm 0,0 1,0
+    expect 0 "out:3,3,1,7" -- "$ORUCV" profile wide.pgm 0,0 3,1
+    expect 0 "out:2,2,1,32768" -- "$ORUCV" profile wide.pgm 0,0 3,1
+    expect 0 "out:t.csv: 5 pixels from (0,0) to (4,2), 1 channel, oruiSampleLine_8u_C1R" -- \
+        "$ORUCV" profile ramp.pgm 0,0 4,2 --csv t.csv --plot plot.ppm
+    cmp -s t.csv fwd.txt || fail "the --csv table differs from the printed one"
+    [ "$(head -c 2 plot.ppm)" = P6 ] || fail "no plot"
+    expect 2 "point 5,0 lies outside the 5x3 image" -- "$ORUCV" profile ramp.pgm 5,0 0,0 --csv bad.csv
+    expect 2 "X2,Y2 needs X,Y, not '4;2'" -- "$ORUCV" profile ramp.pgm 0,0 "4;2"
+    [ -e bad.csv ] && fail "a failed profile wrote its table"
+    ;;
+orientation)
+    # A step rising to the right points along 0 degrees, one rising
+    # downward along 90 (the quadratic's offset of 0.1405 included).
+    { printf 'P5 6 4 255\n'; for r in 1 2 3 4; do printf '\x00\x00\x00\xc8\xc8\xc8'; done; } >right.pgm
+    { printf 'P5 4 6 255\n'; printf '\x00\x00\x00\x00%.0s' 1 2 3; printf '\xc8\xc8\xc8\xc8%.0s' 1 2 3; } >down.pgm
+    "$ORUCV" orientation right.pgm right.npy >/dev/null && "$ORUCV" orientation down.pgm down.npy >/dev/null ||
+        fail "orientation"
+    angle() { od -An -tf4 -j128 -v "$1" | tr -s ' ' '\n' | sed -n "$(($2 + 2))p"; }
+    [ "$(angle right.npy 8)" = -0.14050041 ] || fail "step to the right: $(angle right.npy 8)"
+    [ "$(angle down.npy 9)" = 90.1405 ] || fail "step downward: $(angle down.npy 9)"
+    expect 0 "out:hue = angle, brightness = magnitude" -- "$ORUCV" orientation right.pgm right.ppm
+    expect 2 "a PGM holds one channel" -- "$ORUCV" orientation right.pgm right.pgm
+    printf 'P5 3 1 255\n\x01\x02\x03' >row.pgm
+    expect 2 "needs at least two rows" -- "$ORUCV" orientation row.pgm one.npy
+    # Strips of rows (262 of this width) join without seams: rows of a crop
+    # across the first seam, its edge rows aside, equal the whole image's.
+    "$CLI_PROBE" gray 1000 600 whole.pgm || exit 1
+    { printf 'P5 1000 200 255\n'; tail -c +$((16 + 200 * 1000 + 1)) whole.pgm | head -c 200000; } >crop.pgm
+    "$ORUCV" orientation whole.pgm whole.npy >/dev/null && "$ORUCV" orientation crop.pgm crop.npy >/dev/null ||
+        fail "orientation of whole.pgm and crop.pgm"
+    cmp -s <(tail -c +$((129 + 201 * 4000)) whole.npy | head -c $((198 * 4000))) \
+        <(tail -c +$((129 + 4000)) crop.npy | head -c $((198 * 4000))) || fail "strips differ from one piece"
+    # Strips of rows: memory stays small whatever the height.
+    "$CLI_PROBE" gray 1000 20000 tall.pgm || exit 1
+    limit_mib=24
+    [ "${CLI_SANITIZED:-OFF}" = ON ] && limit_mib=0
+    "$CLI_PROBE" run $limit_mib 20 0 -- "$ORUCV" orientation tall.pgm tall.ppm --max-pixels 1000 >probe.txt 2>&1 ||
+        fail "orientation tall.pgm: $(cat probe.txt)"
+    cat probe.txt
+    [ "$(wc -c <tall.ppm)" = $((60000000 + 18)) ] || fail "tall.ppm has $(wc -c <tall.ppm) bytes"
+    rm -f tall.pgm tall.ppm
+    ;;
 demo)
     "$ORUCV" demo demo-out --repeat 2 >out.txt 2>err.txt || fail "demo: $(cat err.txt)"
     [ -s err.txt ] && fail "demo wrote to stderr: $(cat err.txt)"
