@@ -10,11 +10,14 @@
 #include "canny_list.h"
 #include "distransform_list.h"
 #include "eigen_list.h"
+#include "fastarctan_list.h"
 #include "filter_list.h"
 #include "floodfill_list.h"
 #include "frame_list.h"
 #include "matchtemplate_list.h"
+#include "morph_list.h"
 #include "pyramid_list.h"
+#include "samplers_list.h"
 #include "sobel3x3_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X)     \
@@ -25,6 +28,9 @@
     ORUCV_SOBEL3X3_FUNCTIONS(X)       \
     ORUCV_CANNY_FUNCTIONS(X)          \
     ORUCV_FRAME_FUNCTIONS(X)          \
+    ORUCV_MORPH_FUNCTIONS(X)          \
+    ORUCV_FASTARCTAN_FUNCTIONS(X)     \
+    ORUCV_SAMPLERS_FUNCTIONS(X)       \
     ORUCV_DISTRANSFORM_FUNCTIONS(X)   \
     ORUCV_FLOODFILL_FUNCTIONS(X)      \
     ORUCV_MATCHTEMPLATE_FUNCTIONS(X)  \

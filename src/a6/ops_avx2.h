@@ -9,7 +9,6 @@
 
 #include <immintrin.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -288,9 +287,21 @@ struct Avx2 {
     }
     static I narrow_u8(I v) { return _mm256_zextsi128_si256(_mm_packus_epi16(low(v), high(v))); }
     static I narrow_s8(I v) { return _mm256_zextsi128_si256(_mm_packs_epi16(low(v), high(v))); }
-
-    // ---- Distance transform: signed 32-bit minimum, whole-lane moves
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
     static I min32(I a, I b) { return _mm256_min_epi32(a, b); }
+    static I max32(I a, I b) { return _mm256_max_epi32(a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm256_stream_si256(static_cast<__m256i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
+
+    // ---- Gathers (line sampling)
+    // The 32-bit elements at base + each lane's byte offset; reads exactly
+    // four bytes per lane.
+    static I gather32(const void* base, I byte_offsets) {
+        return _mm256_i32gather_epi32(static_cast<const int*>(base), byte_offsets, 1);
+    }
+
+    // ---- Distance transform: whole-lane moves (and min32, above)
     // The lane each lane of a move takes (clamped; blended over by fill).
     static constexpr int up_from(int j, int k) { return j >= k ? j - k : 0; }
     static constexpr int down_from(int j, int k) { return j + k < 8 ? j + k : 7; }
@@ -396,11 +407,9 @@ struct Avx2 {
         return _mm_cvtsd_f64(_mm_add_sd(w, _mm_unpackhi_pd(w, w)));
     }
 
-    // ---- Pyramids: saturating narrowing, non-temporal stores, prefetches
+    // ---- Pyramids: saturating narrowing, non-temporal float stores, prefetches
     static I pack_u16_u8(I a, I b) { return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), _MM_SHUFFLE(3, 1, 2, 0)); }
-    static void stream(void* p, I v) { _mm256_stream_si256(static_cast<__m256i*>(p), v); }
     static void streamf(float* p, F v) { _mm256_stream_ps(p, v); }
-    static void stream_fence() { _mm_sfence(); }
     static void prefetch_l2(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T1); }
 };
 

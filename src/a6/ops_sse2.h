@@ -20,7 +20,6 @@
 
 #include <emmintrin.h>
 
-#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -296,9 +295,26 @@ struct Sse2 {
     // kBytes / 2 bytes in the low half, in order, the high half zero.
     static I narrow_u8(I v) { return _mm_packus_epi16(v, zero()); }
     static I narrow_s8(I v) { return _mm_packs_epi16(v, zero()); }
-
-    // ---- Distance transform: signed 32-bit minimum, whole-lane moves
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
     static I min32(I a, I b) { return select(cmpgt32(a, b), b, a); }
+    static I max32(I a, I b) { return select(cmpgt32(a, b), a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm_stream_si128(static_cast<__m128i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
+
+    // ---- Gathers (line sampling)
+    // The 32-bit elements at base + each lane's byte offset; reads exactly
+    // four bytes per lane.
+    static I gather32(const void* base, I byte_offsets) {
+        alignas(16) int32_t o[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(o), byte_offsets);
+        const uint8_t* b = static_cast<const uint8_t*>(base);
+        int32_t v[4];
+        for (int j = 0; j < 4; ++j) std::memcpy(&v[j], b + o[j], 4);
+        return _mm_setr_epi32(v[0], v[1], v[2], v[3]);
+    }
+
+    // ---- Distance transform: whole-lane moves (and min32, above)
     // Lanes moved K places up, the lowest K taken from fill:
     // r[j] = j >= K ? v[j - K] : fill[j].
     template <int K> static I shift_up32(I v, I fill) {
@@ -398,15 +414,12 @@ struct Sse2 {
     // Halves folded (core/lanes.h).
     static double reduce_addd(D v) { return _mm_cvtsd_f64(_mm_add_sd(v, _mm_unpackhi_pd(v, v))); }
 
-    // ---- Pyramids: saturating narrowing, non-temporal stores, prefetches
+    // ---- Pyramids: saturating narrowing, non-temporal float stores, prefetches
     // Unsigned saturation of the 16-bit lanes of a, then b, to bytes in
     // element order.
     static I pack_u16_u8(I a, I b) { return _mm_packus_epi16(a, b); }
-    // Aligned stores that bypass the caches; stream_fence() orders them
-    // before any later store.
-    static void stream(void* p, I v) { _mm_stream_si128(static_cast<__m128i*>(p), v); }
+    // Aligned float stores that bypass the caches (and stream, above).
     static void streamf(float* p, F v) { _mm_stream_ps(p, v); }
-    static void stream_fence() { _mm_sfence(); }
     // Brings the line at p into the second-level cache.
     static void prefetch_l2(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T1); }
 };
