@@ -6,9 +6,11 @@
 #pragma once
 
 #include "absdiff_list.h"
+#include "stats_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
-    ORUCV_ABSDIFF_FUNCTIONS(X)
+    ORUCV_ABSDIFF_FUNCTIONS(X) \
+    ORUCV_STATS_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared
 // name is listed waits for them.
