@@ -202,6 +202,7 @@ struct Avx2 {
         return _mm256_permutevar8x32_ps(b, _mm256_setr_epi32(0, 3, 6, 1, 4, 7, 2, 5));
     }
     static I abs_s8(I v) { return _mm256_abs_epi8(v); }
+    static I absdiff_s8(I a, I b) { return _mm256_sub_epi8(_mm256_max_epi8(a, b), _mm256_min_epi8(a, b)); }
     static I sumsq4_u8(I x) {
         const I lo = _mm256_unpacklo_epi8(x, _mm256_setzero_si256()), hi = _mm256_unpackhi_epi8(x, _mm256_setzero_si256());
         return _mm256_add_epi32(_mm256_madd_epi16(lo, lo), _mm256_madd_epi16(hi, hi));
@@ -244,6 +245,11 @@ struct Avx2 {
     static D addd(D a, D b) { return _mm256_add_pd(a, b); }
     static D subd(D a, D b) { return _mm256_sub_pd(a, b); }
     static D muld(D a, D b) { return _mm256_mul_pd(a, b); }
+    static D maxd(D a, D b) { return _mm256_max_pd(a, b); }
+    static D mind(D a, D b) { return _mm256_min_pd(a, b); }
+    static D absd(D v) { return _mm256_and_pd(v, _mm256_castsi256_pd(_mm256_set1_epi64x(0x7FFFFFFFFFFFFFFFll))); }
+    static D cmpltd(D a, D b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
+    static unsigned movemaskd(D v) { return static_cast<unsigned>(_mm256_movemask_pd(v)); }
     static D widen_lo_f(F v) { return _mm256_cvtps_pd(_mm256_castps256_ps128(v)); }
     static D widen_hi_f(F v) { return _mm256_cvtps_pd(_mm256_extractf128_ps(v, 1)); }
 };

@@ -212,6 +212,8 @@ struct Sse2 {
     }
     // Magnitudes of signed bytes as unsigned bytes (|-128| = 128).
     static I abs_s8(I v) { return _mm_min_epu8(v, _mm_sub_epi8(_mm_setzero_si128(), v)); }
+    // |a - b| of signed bytes as unsigned bytes (0..255).
+    static I absdiff_s8(I a, I b) { return absdiff_u8(xor_(a, set8(0x80)), xor_(b, set8(0x80))); }
     // Sums of squares of unsigned bytes in 32-bit lanes, each the sum of four
     // squares (which four is up to the set: for order-free integer sums).
     static I sumsq4_u8(I x) {
@@ -254,6 +256,11 @@ struct Sse2 {
     static D addd(D a, D b) { return _mm_add_pd(a, b); }
     static D subd(D a, D b) { return _mm_sub_pd(a, b); }
     static D muld(D a, D b) { return _mm_mul_pd(a, b); }
+    static D maxd(D a, D b) { return _mm_max_pd(a, b); }
+    static D mind(D a, D b) { return _mm_min_pd(a, b); }
+    static D absd(D v) { return _mm_and_pd(v, _mm_castsi128_pd(_mm_set1_epi64x(0x7FFFFFFFFFFFFFFFll))); }
+    static D cmpltd(D a, D b) { return _mm_cmplt_pd(a, b); }
+    static unsigned movemaskd(D v) { return static_cast<unsigned>(_mm_movemask_pd(v)); }
     // The floats of the low and of the high half of v, as doubles.
     static D widen_lo_f(F v) { return _mm_cvtps_pd(v); }
     static D widen_hi_f(F v) { return _mm_cvtps_pd(_mm_movehl_ps(v, v)); }

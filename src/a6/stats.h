@@ -132,6 +132,17 @@ static inline void dd_add(double& hi, double& lo, double x) {
     lo = lo + e;
 }
 
+// Adds x >= 0 (a square) to hi + lo, hi >= 0: with the larger of the two
+// known, the rounding error of their sum is small - (s - big) exactly (the
+// fast two-sum), in fewer operations than the general two-sum. Both leave
+// the same error in lo, so the vector paths choose per vector.
+static inline void dd_add_nonnegative(double& hi, double& lo, double x) {
+    const double s = hi + x;
+    const double big = hi > x ? hi : x, small = hi > x ? x : hi;
+    lo = lo + (small - (s - big));
+    hi = s;
+}
+
 // ---- 8-bit sums of values (and squares) and the count of selected pixels.
 template <class T, int C, bool kMasked, bool kSquares>
 static inline void moments8(const void* a, const uint8_t* m, int x0, int n, StatsAcc& acc) {
@@ -157,7 +168,7 @@ static inline void moments_dd(const void* a, const uint8_t* m, int x0, int n, St
         const double v = selected ? static_cast<double>(sample<float, C>(a, x)) : 0.0;
         const int lane = x & 7;
         dd_add(acc.dd[0][lane], acc.dd[1][lane], v);
-        if (kSquares) dd_add(acc.dd[2][lane], acc.dd[3][lane], v * v);
+        if (kSquares) dd_add_nonnegative(acc.dd[2][lane], acc.dd[3][lane], v * v);
         acc.count += selected;
     }
 }

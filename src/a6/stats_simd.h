@@ -19,13 +19,14 @@ struct StatsRows {
     using F = typename V::F;
     using D = typename V::D;
 
-    // Integer squares are summed in 32-bit lanes (at most 4 * 255^2 per
-    // vector) and widened to 64 bits at least this often.
+    // Integer squares are summed in 32-bit lanes, at most 4 * 255^2 per
+    // vector, alternately into two sets, and widened to 64 bits after at most
+    // this many vectors (4097 * 4 * 255^2 < 2^31).
     static constexpr int kFlush = 8192;
     // Extrema: pixels per chunk whose extremes are compared with the current
     // ones (a multiple of 32 and of every vector width).
-    static constexpr int kChunk8 = 256;
-    static constexpr int kChunkF = 64;
+    static constexpr int kChunk8 = 1024;
+    static constexpr int kChunkF = 256;
     static constexpr unsigned kAllBytes = ~0u >> (32 - V::kBytes);
 
     // Where whole vectors may run: to the row's end for one channel, one
@@ -46,56 +47,103 @@ struct StatsRows {
     static I unselected32(const uint8_t* m, int x) { return V::cmpeq32(V::load_widen4_u8(m + x), V::zero()); }
     static F clear(I mask, F v) { return V::castf(V::andnot(mask, V::cast(v))); }
 
-    static void add_squares(I& sq32, I& sq64, I x, int& pending) {
-        sq32 = V::add32(sq32, V::sumsq4_u8(x));
-        if (++pending == kFlush) flush_squares(sq32, sq64, pending);
+    // Whole vectors of kWidth pixels from 0 while x + kWidth <= end: body(x,
+    // k) alternates k = 0, 1 (two sets of accumulators, so that the adds of
+    // one step do not wait for the other's), in runs of at most kFlush
+    // vectors, each followed by flush(). Returns where the vectors stopped.
+    template <int kWidth, class Body, class Flush>
+    static int vector_runs(int end, Body body, Flush flush) {
+        int i = 0;
+        while (i + kWidth <= end) {
+            const int run = (end - i) / kWidth < kFlush ? (end - i) / kWidth : kFlush;
+            const int stop = i + run * kWidth;
+            for (; i + 2 * kWidth <= stop; i += 2 * kWidth) {
+                body(i, 0);
+                body(i + kWidth, 1);
+            }
+            if (i < stop) {
+                body(i, 0);
+                i += kWidth;
+            }
+            flush();
+        }
+        return i;
     }
-    static void flush_squares(I& sq32, I& sq64, int& pending) {
+    // Squares in 32-bit lanes into 64-bit ones.
+    static void widen_squares(I& sq32, I& sq64) {
         I lo, hi;
         V::widen_u32(sq32, lo, hi);
         sq64 = V::add64(sq64, V::add64(lo, hi));
         sq32 = V::zero();
-        pending = 0;
     }
 
-    // ---- 8-bit sums. Signed bytes are summed biased by 128 (so that the
-    // byte sums are unsigned) and the bias taken off per selected pixel.
+    // ---- 8-bit sums. Signed bytes are summed biased by 128, so that sums
+    // and squares are those of unsigned bytes, and the bias is taken off at
+    // the end.
     template <class T, int C, bool kMasked, bool kSquares>
     static void moments8(const void* a, const uint8_t* m, int n, StatsAcc& acc) {
         constexpr bool kSigned = std::is_same<T, Oru8s>::value;
         const uint8_t* s = static_cast<const uint8_t*>(a);
         const I zero = V::zero();
-        I sum = zero, count = zero, sq32 = zero, sq64 = zero;
-        int pending = 0, i = 0;
-        for (const int end = vector_end<C>(n); i + V::kBytes <= end; i += V::kBytes) {
-            const I x = load8<C>(s, i);
-            I u = kSigned ? V::xor_(x, V::set8(0x80)) : x;
-            I selected = x;
-            if (kMasked) {
-                const I z = V::cmpeq8(V::load(m + i), zero);
-                u = V::andnot(z, u);
-                selected = V::andnot(z, x);
-                count = V::add64(count, V::sad_u8(V::andnot(z, V::set8(1)), zero));
-            }
-            sum = V::add64(sum, V::sad_u8(u, zero));
-            if (kSquares) add_squares(sq32, sq64, kSigned ? V::abs_s8(selected) : selected, pending);
-        }
-        flush_squares(sq32, sq64, pending);
-        const int64_t selected = kMasked ? V::reduce_add64(count) : i;
+        I sum[2] = {zero, zero}, count[2] = {zero, zero}, sq32[2] = {zero, zero}, sq64 = zero;
+        const int i = vector_runs<V::kBytes>(
+            vector_end<C>(n),
+            [&](int x, int k) {
+                const I v = load8<C>(s, x);
+                I u = kSigned ? V::xor_(v, V::set8(0x80)) : v;
+                if (kMasked) {
+                    const I z = V::cmpeq8(V::load(m + x), zero);
+                    u = V::andnot(z, u);
+                    count[k] = V::add64(count[k], V::sad_u8(V::andnot(z, V::set8(1)), zero));
+                }
+                sum[k] = V::add64(sum[k], V::sad_u8(u, zero));
+                if (kSquares) sq32[k] = V::add32(sq32[k], V::sumsq4_u8(u));
+            },
+            [&] {
+                widen_squares(sq32[0], sq64);
+                widen_squares(sq32[1], sq64);
+            });
+        // Signed values v were summed as u = v + 128: the sum of v is the sum
+        // of u less 128 per pixel, the sum of v^2 that of u^2 - 256 u + 128^2.
+        const int64_t selected = kMasked ? V::reduce_add64(V::add64(count[0], count[1])) : i;
+        const int64_t sum_u = V::reduce_add64(V::add64(sum[0], sum[1])), sumsq_u = V::reduce_add64(sq64);
         acc.count += selected;
-        acc.sum[0] += V::reduce_add64(sum) - (kSigned ? 128 * selected : 0);
-        acc.sumsq[0] += V::reduce_add64(sq64);
+        acc.sum[0] += kSigned ? sum_u - 128 * selected : sum_u;
+        acc.sumsq[0] += kSigned ? sumsq_u - 256 * sum_u + 16384 * selected : sumsq_u;
         scalar::moments8<T, C, kMasked, kSquares>(a, m, i, n, acc);
     }
 
     // ---- Float sums in double-double lanes: eight pixels a step, lane j of
-    // the eight in double vector j / kDoubles.
+    // the eight in double vector j / kDoubles. Every way of adding below
+    // leaves in lo the exact rounding error of hi + x, which is one number
+    // whichever way finds it (zeros included: lo is never -0.0), so a vector
+    // path takes the cheapest that is exact for the operands at hand.
     static void two_sum(D& hi, D& lo, D x) {
         const D s = V::addd(hi, x);
         const D bv = V::subd(s, hi);
         const D e = V::addd(V::subd(hi, V::subd(s, bv)), V::subd(x, bv));
         hi = s;
         lo = V::addd(lo, e);
+    }
+    // Exact when |hi| >= |x| in every lane.
+    static void fast_two_sum(D& hi, D& lo, D x) {
+        const D s = V::addd(hi, x);
+        lo = V::addd(lo, V::subd(x, V::subd(s, hi)));
+        hi = s;
+    }
+    // Exact for x >= 0 and hi >= 0: the larger of the two is their maximum.
+    static void ordered_two_sum(D& hi, D& lo, D x) {
+        const D s = V::addd(hi, x);
+        lo = V::addd(lo, V::subd(V::mind(hi, x), V::subd(s, V::maxd(hi, x))));
+        hi = s;
+    }
+    static void exact_add(D& hi, D& lo, D x) {
+        if (V::movemaskd(V::cmpltd(V::absd(hi), V::absd(x))) == 0) fast_two_sum(hi, lo, x);
+        else two_sum(hi, lo, x);
+    }
+    static void exact_add_nonnegative(D& hi, D& lo, D x) {
+        if (V::movemaskd(V::cmpltd(hi, x)) == 0) fast_two_sum(hi, lo, x);
+        else ordered_two_sum(hi, lo, x);
     }
     template <int C, bool kMasked, bool kSquares>
     static void moments_dd(const void* a, const uint8_t* m, int n, StatsAcc& acc) {
@@ -120,11 +168,11 @@ struct StatsRows {
                     unselected = V::sub32(unselected, z);
                 }
                 const D d0 = V::widen_lo_f(v), d1 = V::widen_hi_f(v);
-                two_sum(hs[2 * f], ls[2 * f], d0);
-                two_sum(hs[2 * f + 1], ls[2 * f + 1], d1);
+                exact_add(hs[2 * f], ls[2 * f], d0);
+                exact_add(hs[2 * f + 1], ls[2 * f + 1], d1);
                 if (kSquares) {
-                    two_sum(hq[2 * f], lq[2 * f], V::muld(d0, d0));
-                    two_sum(hq[2 * f + 1], lq[2 * f + 1], V::muld(d1, d1));
+                    exact_add_nonnegative(hq[2 * f], lq[2 * f], V::muld(d0, d0));
+                    exact_add_nonnegative(hq[2 * f + 1], lq[2 * f + 1], V::muld(d1, d1));
                 }
             }
         for (int k = 0; k < kD; ++k) {
@@ -208,43 +256,45 @@ struct StatsRows {
         const uint8_t* s1 = static_cast<const uint8_t*>(a);
         const uint8_t* s2 = static_cast<const uint8_t*>(b);
         const I zero = V::zero();
-        I peak0 = zero, peak1 = zero, sum0 = zero, sum1 = zero;
-        I sq32a = zero, sq64a = zero, sq32b = zero, sq64b = zero;
-        int pending_a = 0, pending_b = 0, i = 0;
-        for (const int end = vector_end<C>(n); i + V::kBytes <= end; i += V::kBytes) {
-            const I z = V::cmpeq8(V::load(m + i), zero);
-            const I v = load8<C>(s1, i);
-            I d, r = zero;
-            if constexpr (K == StatsKind::Norm) {
-                d = kSigned ? V::abs_s8(v) : v;
-            } else {
-                const I w = load8<C>(s2, i);
-                d = kSigned ? V::absdiff_u8(V::xor_(v, V::set8(0x80)), V::xor_(w, V::set8(0x80)))
-                            : V::absdiff_u8(v, w);
-                r = V::andnot(z, kSigned ? V::abs_s8(w) : w);
-            }
-            d = V::andnot(z, d);
-            if constexpr (N == StatsNorm::Inf) {
-                peak0 = V::max_u8(peak0, d);
-                if (kRel) peak1 = V::max_u8(peak1, r);
-            } else if constexpr (N == StatsNorm::L1) {
-                sum0 = V::add64(sum0, V::sad_u8(d, zero));
-                if (kRel) sum1 = V::add64(sum1, V::sad_u8(r, zero));
-            } else {
-                add_squares(sq32a, sq64a, d, pending_a);
-                if (kRel) add_squares(sq32b, sq64b, r, pending_b);
-            }
+        // [k][0] the difference's (or image's), [k][1] the reference's.
+        I peak[2][2] = {{zero, zero}, {zero, zero}}, sum[2][2] = {{zero, zero}, {zero, zero}};
+        I sq32[2][2] = {{zero, zero}, {zero, zero}}, sq64[2] = {zero, zero};
+        const int i = vector_runs<V::kBytes>(
+            vector_end<C>(n),
+            [&](int x, int k) {
+                const I z = V::cmpeq8(V::load(m + x), zero);
+                const I v = load8<C>(s1, x);
+                I d, r = zero;
+                if constexpr (K == StatsKind::Norm) {
+                    d = kSigned ? V::abs_s8(v) : v;
+                } else {
+                    const I w = load8<C>(s2, x);
+                    d = kSigned ? V::absdiff_s8(v, w) : V::absdiff_u8(v, w);
+                    r = V::andnot(z, kSigned ? V::abs_s8(w) : w);
+                }
+                d = V::andnot(z, d);
+                if constexpr (N == StatsNorm::Inf) {
+                    peak[k][0] = V::max_u8(peak[k][0], d);
+                    if (kRel) peak[k][1] = V::max_u8(peak[k][1], r);
+                } else if constexpr (N == StatsNorm::L1) {
+                    sum[k][0] = V::add64(sum[k][0], V::sad_u8(d, zero));
+                    if (kRel) sum[k][1] = V::add64(sum[k][1], V::sad_u8(r, zero));
+                } else {
+                    sq32[k][0] = V::add32(sq32[k][0], V::sumsq4_u8(d));
+                    if (kRel) sq32[k][1] = V::add32(sq32[k][1], V::sumsq4_u8(r));
+                }
+            },
+            [&] {
+                if constexpr (N == StatsNorm::L2)
+                    for (int k = 0; k < 2; ++k)
+                        for (int j = 0; j < 2; ++j) widen_squares(sq32[k][j], sq64[j]);
+            });
+        for (int j = 0; j < 2; ++j) {
+            const uint32_t p = static_cast<uint32_t>(V::reduce_max_u8(V::max_u8(peak[0][j], peak[1][j])));
+            acc.peak[j] = p > acc.peak[j] ? p : acc.peak[j];
+            acc.sum[j] += V::reduce_add64(V::add64(sum[0][j], sum[1][j]));
+            acc.sumsq[j] += V::reduce_add64(sq64[j]);
         }
-        flush_squares(sq32a, sq64a, pending_a);
-        flush_squares(sq32b, sq64b, pending_b);
-        const uint32_t p0 = static_cast<uint32_t>(V::reduce_max_u8(peak0));
-        const uint32_t p1 = static_cast<uint32_t>(V::reduce_max_u8(peak1));
-        acc.peak[0] = p0 > acc.peak[0] ? p0 : acc.peak[0];
-        acc.peak[1] = p1 > acc.peak[1] ? p1 : acc.peak[1];
-        acc.sum[0] += V::reduce_add64(sum0);
-        acc.sum[1] += V::reduce_add64(sum1);
-        acc.sumsq[0] += V::reduce_add64(sq64a);
-        acc.sumsq[1] += V::reduce_add64(sq64b);
         scalar::norm8<T, K, N, C>(a, b, m, i, n, acc);
     }
 
