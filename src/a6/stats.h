@@ -148,9 +148,9 @@ template <class T, int C, bool kMasked, bool kSquares>
 static inline void moments8(const void* a, const uint8_t* m, int x0, int n, StatsAcc& acc) {
     int64_t count = 0, sum = 0, sq = 0;
     for (int x = x0; x < n; ++x) {
-        if (kMasked && !m[x]) continue;
-        const int v = sample<T, C>(a, x);
-        ++count;
+        const int selected = !kMasked || m[x] != 0;
+        const int v = sample<T, C>(a, x) * selected;
+        count += selected;
         sum += v;
         if (kSquares) sq += v * v;
     }
@@ -196,10 +196,10 @@ template <class T, StatsKind K, StatsNorm N, int C>
 static inline void norm8(const void* a, const void* b, const uint8_t* m, int x0, int n, StatsAcc& acc) {
     const auto magnitude = [](int v) { return static_cast<uint32_t>(v < 0 ? -v : v); };
     for (int x = x0; x < n; ++x) {
-        if (!m[x]) continue;
+        const uint32_t selected = m[x] != 0;
         const int v = sample<T, C>(a, x);
         const int w = K == StatsKind::Norm ? 0 : sample<T, C>(b, x);
-        const uint32_t d = magnitude(K == StatsKind::Norm ? v : v - w), r = magnitude(w);
+        const uint32_t d = magnitude(K == StatsKind::Norm ? v : v - w) * selected, r = magnitude(w) * selected;
         if (N == StatsNorm::Inf) {
             acc.peak[0] = d > acc.peak[0] ? d : acc.peak[0];
             if (K == StatsKind::NormRel) acc.peak[1] = r > acc.peak[1] ? r : acc.peak[1];
@@ -242,16 +242,18 @@ static inline void norm_f(const void* a, const void* b, const uint8_t* m, int x0
 // then single pixels; the channel of interest in blocks of at most 8. A
 // block whose smallest selected value is below the current minimum records
 // its first pixel's linear index (likewise for the maximum); x0 is where a
-// block starts. Unselected pixels are left out (no value can win from them).
+// block starts. Unselected pixels count as 256 for the minimum and -256 for
+// the maximum, values that never win.
 template <class T, int C, bool kMasked>
 static inline void minmax8(const void* a, const uint8_t* m, int x0, int n, int64_t first, StatsAcc& acc) {
     const auto block = [&](int x, int len) {
         int lo = 256, hi = -256;
         for (int j = x; j < x + len; ++j) {
-            if (kMasked && !m[j]) continue;
+            const int keep = kMasked ? -static_cast<int>(m[j] != 0) : -1;
             const int v = sample<T, C>(a, j);
-            lo = v < lo ? v : lo;
-            hi = v > hi ? v : hi;
+            const int v_lo = (v & keep) | (256 & ~keep), v_hi = (v & keep) | (-256 & ~keep);
+            lo = v_lo < lo ? v_lo : lo;
+            hi = v_hi > hi ? v_hi : hi;
         }
         if (lo < acc.lo) acc.lo = lo, acc.lo_index = first + x;
         if (hi > acc.hi) acc.hi = hi, acc.hi_index = first + x;
@@ -270,10 +272,12 @@ static inline void minmax8(const void* a, const uint8_t* m, int x0, int n, int64
 template <int C, bool kMasked>
 static inline void minmax_f(const void* a, const uint8_t* m, int x0, int n, int64_t first, StatsAcc& acc) {
     for (int x = x0; x < n; ++x) {
-        if (kMasked && !m[x]) continue;
+        // Unselected pixels take the keys that never win.
+        const int32_t keep = kMasked ? -static_cast<int32_t>(m[x] != 0) : -1;
         const int32_t key = order_key(sample<float, C>(a, x));
-        if (key < acc.lo) acc.lo = key, acc.lo_index = first + x;
-        if (key > acc.hi) acc.hi = key, acc.hi_index = first + x;
+        const int32_t key_lo = (key & keep) | (INT32_MAX & ~keep), key_hi = (key & keep) | (INT32_MIN & ~keep);
+        if (key_lo < acc.lo) acc.lo = key_lo, acc.lo_index = first + x;
+        if (key_hi > acc.hi) acc.hi = key_hi, acc.hi_index = first + x;
     }
 }
 
