@@ -77,38 +77,78 @@ void demo_accum(DemoContext& demo) {
 }
 ORUCV_DEMO_STEP(25, "running-average background", demo_accum);
 
-// orucv average OUT IN... [--alpha A]: without --alpha every input weighs
-// the same (alpha 1/k for the k-th image, the cumulative mean); with it,
-// an exponential running average in the order given.
+// orucv average OUT IN... [--alpha A]: without --alpha every input
+// weighs the same (weight 1/k for the k-th image, the cumulative mean);
+// with it, an exponential running average in the order given.
 int run_average(const Args& args) {
-    if (args.positional.size() < 2) throw ToolError("usage: orucv average OUT IN... [--alpha A]");
-    const double alpha_option = args.get_double("--alpha", 0.0);
-    if (args.has("--alpha") && !(alpha_option > 0.0 && alpha_option <= 1.0))
-        throw ToolError("--alpha must lie in (0, 1]");
-    std::vector<Image> inputs;
-    for (size_t i = 1; i < args.positional.size(); ++i) inputs.push_back(read_image(args.positional[i]));
-    // Mixed gray and colour inputs are all averaged as gray.
-    bool mixed = false;
-    for (const Image& im : inputs) mixed |= im.channels != inputs[0].channels;
-    for (Image& im : inputs) {
-        if (mixed) im = to_gray(im);
-        if (im.width != inputs[0].width || im.height != inputs[0].height)
-            throw ToolError("the images differ in size");
+    const bool weighted = args.has("--alpha");
+    const double weight = args.get_double("--alpha", 0.0, 0.0, 1.0);
+    if (weighted && !(weight > 0.0)) throw ToolError("--alpha must lie in (0, 1]");
+    const ReadOptions input = args.input();
+    const size_t count = args.positional.size() - 1;
+    // The inputs' geometry and depth from their headers, before any work.
+    std::vector<ImageInfo> infos;
+    bool wide = false, any_float = false, mixed = false;
+    for (size_t i = 1; i < args.positional.size(); ++i) {
+        infos.push_back(probe_image(args.positional[i], input));
+        const ImageInfo& f = infos.back();
+        if (f.width != infos[0].width || f.height != infos[0].height) throw ToolError("the images differ in size");
+        mixed |= f.channels != infos[0].channels;
+        wide |= f.sample == Sample::U16;
+        any_float |= f.sample == Sample::F32;
     }
-    const int w = inputs[0].width, h = inputs[0].height, c = inputs[0].channels;
+    // Mixed gray and colour inputs are all averaged as gray; channels are
+    // averaged independently, so an interleaved image is one row of width *
+    // channels.
+    const int w = infos[0].width, h = infos[0].height, c = mixed ? 1 : infos[0].channels;
     FloatImage average(w * c, h);
-    double ms = 0;
-    for (size_t k = 0; k < inputs.size(); ++k) {
-        const float alpha = k == 0 ? 1.0f : args.has("--alpha") ? static_cast<float>(alpha_option) : 1.0f / (k + 1);
-        ms += fold(inputs[k], average, alpha);
+    Progress progress("average", count);
+    Timing timing;
+    for (size_t k = 0; k < count; ++k) {
+        const float alpha = k == 0 ? 1.0f : weighted ? static_cast<float>(weight) : 1.0f / (k + 1);
+        const std::string& name = args.positional[k + 1];
+        int status = 0;
+        Timing t;
+        if (!wide && !any_float) {
+            Image frame = read_image(name, input);
+            if (mixed) frame = to_gray(frame);
+            t = time_runs(
+                [&] {
+                    status = oruiAddWeighted_8u32f_C1IR(frame.pixels.data(), w * c, average.data(),
+                                                        average.step_bytes(), {w * c, h}, alpha);
+                },
+                1);
+            check_status(status, "oruiAddWeighted_8u32f_C1IR");
+        } else {
+            FloatImage frame = read_float_image(name, input);
+            if (mixed) frame = to_gray(frame);
+            t = time_runs(
+                [&] {
+                    status = oruiAddWeighted_32f_C1IR(frame.data(), frame.step_bytes(), average.data(),
+                                                      average.step_bytes(), {w * c, h}, alpha);
+                },
+                1);
+            check_status(status, "oruiAddWeighted_32f_C1IR");
+        }
+        timing.ms.push_back(t.min_ms());
+        progress.update(k + 1);
     }
-    write_image(args.positional[0], to_image(average, w, c));
-    std::printf("%s: %zu images, %dx%d, %.3f ms per image\n", args.positional[0].c_str(), inputs.size(), w, h,
-                ms / inputs.size());
+    progress.finish();
+    average.width = w;
+    average.channels = c;
+    average.depth = any_float ? 0 : wide ? 16 : 8;
+    write_image(args.positional[0], average, 0.0f, 255.0f);
+    double total = 0;
+    for (double ms : timing.ms) total += ms;
+    std::printf("%s: %zu images, %dx%d, %.3f ms per image for the running average\n", args.positional[0].c_str(),
+                count, w, h, total / count);
     return 0;
 }
-ORUCV_COMMAND("average", "OUT IN... [--alpha A]   running average of images (equal weights without --alpha)",
-              run_average);
+ORUCV_COMMAND("average", "OUT IN...", "running average of images (equal weights without --alpha)", run_average, kReads,
+              {{"--alpha", "A", "weight of each new image in an exponential running average, in (0, 1]"}},
+              "8-bit inputs are averaged with oruiAddWeighted_8u32f_C1IR, 16-bit or float ones with the float\n"
+              "form. A PNG/PGM/PPM output holds the average rounded to the inputs' depth; a .pfm or .npy\n"
+              "output keeps it whole.");
 
 }  // namespace
 }  // namespace orucv_tool

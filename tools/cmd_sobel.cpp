@@ -10,42 +10,43 @@
 namespace orucv_tool {
 namespace {
 
-// 16-bit results of one derivative of an 8-bit gray image.
-struct Derivative {
-    std::vector<int16_t> pixels;
-    int width = 0, height = 0;
-    int step_bytes() const { return width * 2; }
-};
-
 struct Operator {
     const char* flag;
     const char* function;
     OruStatus (*run)(const Oru8u* src, int srcStep, Oru16s* dst, int dstStep, OruSize roi);
+    // The float form, for 16-bit and float images (nullptr: none).
+    const char* float_function;
+    OruStatus (*run_float)(const Oru32f* src, int srcStep, Oru32f* dst, int dstStep, OruSize roi);
 };
 
 const Operator kOperators[] = {
-    {"--dx", "oruiSobel3x3_Dx_8u16s_C1R", oruiSobel3x3_Dx_8u16s_C1R},
+    {"--dx", "oruiSobel3x3_Dx_8u16s_C1R", oruiSobel3x3_Dx_8u16s_C1R, "oruiSobel3x3_Dx_32f_C1R",
+     oruiSobel3x3_Dx_32f_C1R},
     {"--dy", "oruiSobel3x3_Dy_8u16s_C1R",
-     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiSobel3x3_Dy_8u16s_C1R(s, ss, d, ds, 0, r); }},
-    {"--d2x", "oruiSobel3x3_D2x_8u16s_C1R", oruiSobel3x3_D2x_8u16s_C1R},
-    {"--d2y", "oruiSobel3x3_D2y_8u16s_C1R", oruiSobel3x3_D2y_8u16s_C1R},
+     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiSobel3x3_Dy_8u16s_C1R(s, ss, d, ds, 0, r); },
+     "oruiSobel3x3_Dy_32f_C1R",
+     [](const Oru32f* s, int ss, Oru32f* d, int ds, OruSize r) { return oruiSobel3x3_Dy_32f_C1R(s, ss, d, ds, 0, r); }},
+    {"--d2x", "oruiSobel3x3_D2x_8u16s_C1R", oruiSobel3x3_D2x_8u16s_C1R, nullptr, nullptr},
+    {"--d2y", "oruiSobel3x3_D2y_8u16s_C1R", oruiSobel3x3_D2y_8u16s_C1R, nullptr, nullptr},
     {"--dxdy", "oruiSobel3x3_DxDy_8u16s_C1R",
-     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiSobel3x3_DxDy_8u16s_C1R(s, ss, d, ds, 0, r); }},
+     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiSobel3x3_DxDy_8u16s_C1R(s, ss, d, ds, 0, r); },
+     nullptr, nullptr},
     {"--scharr-dx", "oruiScharr_Dx_8u16s_C1R",
-     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiScharr_Dx_8u16s_C1R(s, ss, d, ds, r, 0); }},
+     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiScharr_Dx_8u16s_C1R(s, ss, d, ds, r, 0); },
+     "oruiScharr_Dx_32f_C1R",
+     [](const Oru32f* s, int ss, Oru32f* d, int ds, OruSize r) { return oruiScharr_Dx_32f_C1R(s, ss, d, ds, r, 0); }},
     {"--scharr-dy", "oruiScharr_Dy_8u16s_C1R",
-     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiScharr_Dy_8u16s_C1R(s, ss, d, ds, 0, r, 0); }},
+     [](const Oru8u* s, int ss, Oru16s* d, int ds, OruSize r) { return oruiScharr_Dy_8u16s_C1R(s, ss, d, ds, 0, r, 0); },
+     "oruiScharr_Dy_32f_C1R",
+     [](const Oru32f* s, int ss, Oru32f* d, int ds, OruSize r) { return oruiScharr_Dy_32f_C1R(s, ss, d, ds, 0, r, 0); }},
 };
 
-Derivative derive(const Operator& op, const Image& gray, double* ms) {
+Signed16Image derive(const Operator& op, const Image& gray, Timing* timing) {
     if (gray.height < 2) throw ToolError("the image needs at least two rows");
-    Derivative out;
-    out.width = gray.width;
-    out.height = gray.height;
-    out.pixels.resize(static_cast<size_t>(gray.width) * gray.height);
+    Signed16Image out(gray.width, gray.height);
     int status = 0;
-    *ms = time_ms([&] {
-        status = op.run(gray.pixels.data(), gray.step(), out.pixels.data(), out.step_bytes(), {gray.width, gray.height});
+    *timing = time_runs([&] {
+        status = op.run(gray.pixels.data(), gray.step(), out.data(), out.step_bytes(), {gray.width, gray.height});
     });
     check_status(status, op.function);
     return out;
@@ -53,20 +54,19 @@ Derivative derive(const Operator& op, const Image& gray, double* ms) {
 
 void demo_sobel(DemoContext& demo) {
     const Image& scene = demo.frame(0);
-    double dx_ms = 0, dy_ms = 0;
-    const Derivative dx = derive(kOperators[0], scene, &dx_ms);
-    const Derivative dy = derive(kOperators[1], scene, &dy_ms);
+    Timing dx_t, dy_t;
+    const Signed16Image dx = derive(kOperators[0], scene, &dx_t);
+    const Signed16Image dy = derive(kOperators[1], scene, &dy_t);
     // |Dx| + |Dy| reaches 2040 at most; scaled so the strongest edge is white.
     std::vector<int16_t> magnitude(dx.pixels.size());
     for (size_t i = 0; i < magnitude.size(); ++i)
         magnitude[i] = static_cast<int16_t>(std::abs(dx.pixels[i]) + std::abs(dy.pixels[i]));
     demo.save("sobel-magnitude.png", scale_to_8u(magnitude.data(), dx.width, dx.height, dx.step_bytes(), true),
-              "oruiSobel3x3_Dx/Dy_8u16s_C1R", dx_ms + dy_ms, "|Dx| + |Dy| of frame 0, scaled to 8 bits");
+              "oruiSobel3x3_Dx/Dy_8u16s_C1R", dx_t.min_ms() + dy_t.min_ms(), "|Dx| + |Dy| of frame 0, scaled to 8 bits");
 }
 ORUCV_DEMO_STEP(20, "Sobel gradient magnitude", demo_sobel);
 
 int run_sobel(const Args& args) {
-    if (args.positional.size() != 2) throw ToolError("usage: orucv sobel IN OUT [--dx|--dy|...]");
     const Operator* chosen = nullptr;
     for (const Operator& op : kOperators) {
         if (!args.has(op.flag)) continue;
@@ -74,18 +74,54 @@ int run_sobel(const Args& args) {
         chosen = &op;
     }
     if (!chosen) chosen = &kOperators[0];
-    const Image gray = to_gray(read_image(args.positional[0]));
-    double ms = 0;
-    const Derivative d = derive(*chosen, gray, &ms);
-    write_image(args.positional[1], scale_to_8u(d.pixels.data(), d.width, d.height, d.step_bytes(), true));
-    std::printf("%s: %dx%d, %s, %.3f ms (magnitude scaled to 8 bits)\n", args.positional[1].c_str(), d.width,
-                d.height, chosen->function, ms);
+    const std::string& out_name = args.positional[1];
+    const std::string raw = args.get("--raw");
+    const bool raw_values = keeps_values(output_format(out_name));
+    const ReadOptions input = args.input();
+    const ImageInfo info = probe_image(args.positional[0], input);
+    if (info.sample != Sample::U8 && input.to8 == To8::Refuse && chosen->run_float) {
+        // 16-bit or float images: the float derivative of the exact values.
+        if (!raw.empty()) throw ToolError("--raw is for 16-bit results; float results go to .pfm or .npy whole");
+        const FloatImage gray = to_gray(read_float_image(args.positional[0], input));
+        if (gray.height < 2) throw ToolError("the image needs at least two rows");
+        FloatImage out(gray.width, gray.height);
+        int status = 0;
+        const Timing t = time_runs([&] {
+            status = chosen->run_float(gray.data(), gray.step_bytes(), out.data(), out.step_bytes(),
+                                       {gray.width, gray.height});
+        });
+        check_status(status, chosen->float_function);
+        write_image(out_name, out);
+        std::printf("%s: %dx%d, %s, %s%s\n", out_name.c_str(), out.width, out.height, chosen->float_function,
+                    t.text().c_str(), raw_values ? "" : " (a picture of the values scaled to 8 bits)");
+        return 0;
+    }
+    if (!raw.empty() && raw_values) throw ToolError("--raw is for PNG/PGM outputs; .pfm and .npy keep the values anyway");
+    const Image gray = to_gray(read_image(args.positional[0], input));
+    Timing t;
+    const Signed16Image d = derive(*chosen, gray, &t);
+    const Signed16Png mode = raw == "offset" ? Signed16Png::Offset : raw == "abs" ? Signed16Png::Abs : Signed16Png::Picture;
+    write_image(out_name, d, mode);
+    const char* how = raw_values ? "" : mode == Signed16Png::Offset ? " (16-bit, value + 32768)"
+                                      : mode == Signed16Png::Abs  ? " (16-bit, absolute values)"
+                                                                  : " (magnitude scaled to 8 bits)";
+    std::printf("%s: %dx%d, %s, %s%s\n", out_name.c_str(), d.width, d.height, chosen->function, t.text().c_str(), how);
     return 0;
 }
-ORUCV_COMMAND("sobel",
-              "IN OUT [--dx|--dy|--d2x|--d2y|--dxdy|--scharr-dx|--scharr-dy]   3x3 derivative of a gray image "
-              "(default --dx), magnitude scaled to 8 bits",
-              run_sobel, "--dx --dy --d2x --d2y --dxdy --scharr-dx --scharr-dy");
+ORUCV_COMMAND("sobel", "IN OUT", "3x3 Sobel or Scharr derivative of an image as gray", run_sobel, kReads8 | kRepeat,
+              {{"--dx", nullptr, "first derivative in x (the default)"},
+               {"--dy", nullptr, "first derivative in y"},
+               {"--d2x", nullptr, "second derivative in x"},
+               {"--d2y", nullptr, "second derivative in y"},
+               {"--dxdy", nullptr, "mixed second derivative"},
+               {"--scharr-dx", nullptr, "Scharr derivative in x"},
+               {"--scharr-dy", nullptr, "Scharr derivative in y"},
+               {"--raw", "offset|abs", "PNG/PGM output of 16-bit values: value + 32768, or the absolute value"}},
+              "8-bit images give signed 16-bit derivatives. A .npy output keeps them as int16, a .pfm as float;\n"
+              "a PNG/PGM output is a picture of the magnitude scaled to 8 bits, or with --raw the values as\n"
+              "16-bit samples: offset stores value + 32768 (0 is 32768), abs stores |value|.\n"
+              "16-bit and float images take the float functions where they exist (--dx, --dy, --scharr-dx,\n"
+              "--scharr-dy); --to8 converts them for the 8-bit functions instead.");
 
 }  // namespace
 }  // namespace orucv_tool

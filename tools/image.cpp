@@ -3,99 +3,38 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
-#include <memory>
+#include <cstdlib>
 
-#ifdef ORUCV_WITH_PNG
-#include <png.h>
-#endif
+#include "row_io.h"
 
 namespace orucv_tool {
 namespace {
 
-using File = std::unique_ptr<FILE, int (*)(FILE*)>;
-
-File open_file(const std::string& path, const char* mode) {
-    File f(std::fopen(path.c_str(), mode), std::fclose);
-    if (!f) throw ToolError("cannot open '" + path + "': " + std::strerror(errno));
-    return f;
+std::string lower_extension(const std::string& path) {
+    const size_t slash = path.find_last_of('/');
+    const size_t dot = path.find_last_of('.');
+    if (dot == std::string::npos || (slash != std::string::npos && dot < slash)) return "";
+    std::string ext = path.substr(dot);
+    std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+    return ext;
 }
 
-bool ends_with(const std::string& s, const std::string& suffix) {
-    if (s.size() < suffix.size()) return false;
-    std::string tail = s.substr(s.size() - suffix.size());
-    std::transform(tail.begin(), tail.end(), tail.begin(), [](unsigned char c) { return std::tolower(c); });
-    return tail == suffix;
-}
-
-// Netpbm header field: skips white space and comments.
-int read_pnm_number(FILE* f, const std::string& path) {
-    int c = std::fgetc(f);
-    while (c != EOF && (std::isspace(c) || c == '#')) {
-        if (c == '#')
-            while (c != EOF && c != '\n') c = std::fgetc(f);
-        c = std::fgetc(f);
+// Rows are appended as they are decoded into reserved memory, so a file
+// that ends early has touched only the rows it held.
+template <class Img>
+void read_rows(RowReader& in, Img& image) {
+    const size_t row = in.row_samples();
+    image.pixels.reserve(row * in.height());
+    for (int y = 0; y < in.height(); ++y) {
+        image.pixels.resize(row * (y + 1));
+        in.read_row(image.pixels.data() + row * y);
     }
-    if (c == EOF || !std::isdigit(c)) throw ToolError("'" + path + "': malformed PGM/PPM header");
-    long v = 0;
-    while (c != EOF && std::isdigit(c)) {
-        v = v * 10 + (c - '0');
-        if (v > 1 << 20) throw ToolError("'" + path + "': PGM/PPM header value too large");
-        c = std::fgetc(f);
-    }
-    return static_cast<int>(v);
 }
 
-Image read_pnm(FILE* f, const std::string& path, char kind) {
-    const bool plain = kind == '2' || kind == '3';
-    const int channels = (kind == '3' || kind == '6') ? 3 : 1;
-    const int w = read_pnm_number(f, path), h = read_pnm_number(f, path), maxval = read_pnm_number(f, path);
-    if (w < 1 || h < 1 || static_cast<long long>(w) * h > (1ll << 28))
-        throw ToolError("'" + path + "': unsupported image size");
-    if (maxval < 1 || maxval > 255) throw ToolError("'" + path + "': only 8-bit PGM/PPM is supported");
-    Image img(w, h, channels);
-    if (plain) {
-        for (auto& p : img.pixels) {
-            const int v = read_pnm_number(f, path);
-            p = static_cast<uint8_t>(std::min(v, maxval) * 255 / maxval);
-        }
-    } else if (std::fread(img.pixels.data(), 1, img.pixels.size(), f) != img.pixels.size()) {
-        throw ToolError("'" + path + "': truncated image data");
-    } else if (maxval != 255) {
-        for (auto& p : img.pixels) p = static_cast<uint8_t>(std::min<int>(p, maxval) * 255 / maxval);
-    }
-    return img;
+uint8_t round_to_8u(float v) { return std::isnan(v) ? 0 : static_cast<uint8_t>(std::clamp(std::nearbyint(v), 0.0f, 255.0f)); }
+uint16_t round_to_16u(float v) {
+    return std::isnan(v) ? 0 : static_cast<uint16_t>(std::clamp(std::nearbyint(v), 0.0f, 65535.0f));
 }
-
-#ifdef ORUCV_WITH_PNG
-Image read_png(FILE* f, const std::string& path) {
-    png_image png;
-    std::memset(&png, 0, sizeof png);
-    png.version = PNG_IMAGE_VERSION;
-    if (!png_image_begin_read_from_stdio(&png, f)) throw ToolError("'" + path + "': " + png.message);
-    const bool color = (png.format & PNG_FORMAT_FLAG_COLOR) != 0;
-    png.format = color ? PNG_FORMAT_RGB : PNG_FORMAT_GRAY;
-    if (png.width > (1u << 16) || png.height > (1u << 16)) {
-        png_image_free(&png);
-        throw ToolError("'" + path + "': image too large");
-    }
-    Image img(static_cast<int>(png.width), static_cast<int>(png.height), color ? 3 : 1);
-    if (!png_image_finish_read(&png, nullptr, img.pixels.data(), img.step(), nullptr))
-        throw ToolError("'" + path + "': " + png.message);
-    return img;
-}
-
-void write_png(const std::string& path, const Image& img) {
-    png_image png;
-    std::memset(&png, 0, sizeof png);
-    png.version = PNG_IMAGE_VERSION;
-    png.width = static_cast<png_uint_32>(img.width);
-    png.height = static_cast<png_uint_32>(img.height);
-    png.format = img.channels == 3 ? PNG_FORMAT_RGB : PNG_FORMAT_GRAY;
-    if (!png_image_write_to_file(&png, path.c_str(), 0, img.pixels.data(), img.step(), nullptr))
-        throw ToolError("cannot write '" + path + "': " + png.message);
-}
-#endif
 
 }  // namespace
 
@@ -107,40 +46,102 @@ bool png_supported() {
 #endif
 }
 
-Image read_image(const std::string& path) {
-    File f = open_file(path, "rb");
-    unsigned char magic[8] = {};
-    const size_t got = std::fread(magic, 1, sizeof magic, f.get());
-    std::rewind(f.get());
-    if (got >= 2 && magic[0] == 'P' && std::strchr("2356", magic[1]) && magic[1]) {
-        std::fgetc(f.get());
-        std::fgetc(f.get());
-        return read_pnm(f.get(), path, static_cast<char>(magic[1]));
+OutputFormat output_format(const std::string& path) {
+    const std::string ext = lower_extension(path);
+    if (ext == ".png") {
+        if (!png_supported())
+            throw ToolError("cannot write '" + path + "': this build has no PNG support (name a .pgm or .ppm)");
+        return OutputFormat::Png;
     }
-    if (got == 8 && std::memcmp(magic, "\x89PNG\r\n\x1a\n", 8) == 0) {
-#ifdef ORUCV_WITH_PNG
-        return read_png(f.get(), path);
-#else
-        throw ToolError("'" + path + "': this build has no PNG support; use PGM or PPM");
-#endif
-    }
-    throw ToolError("'" + path + "': not a PNG, PGM or PPM image");
+    if (ext == ".pgm") return OutputFormat::Pgm;
+    if (ext == ".ppm") return OutputFormat::Ppm;
+    if (ext == ".pnm") return OutputFormat::Pnm;
+    if (ext == ".pfm") return OutputFormat::Pfm;
+    if (ext == ".npy") return OutputFormat::Npy;
+    throw ToolError("cannot write '" + path + "': " + (ext.empty() ? "the name has no extension" : "'" + ext + "' is not a format orucv writes") +
+                    " (.png, .pgm, .ppm, .pnm, .pfm or .npy)");
 }
 
-void write_image(const std::string& path, const Image& img) {
-    if (img.channels != 1 && img.channels != 3) throw ToolError("only gray and RGB images can be written");
-    if (ends_with(path, ".png")) {
-#ifdef ORUCV_WITH_PNG
-        write_png(path, img);
+bool keeps_values(OutputFormat format) { return format == OutputFormat::Pfm || format == OutputFormat::Npy; }
+
+ImageInfo probe_image(const std::string& path, const ReadOptions& options) {
+    return RowReader(path, options, RowReader::Exact, RowReader::AsIs, 1).info();
+}
+
+Image read_image(const std::string& path, const ReadOptions& options) {
+    RowReader in(path, options, RowReader::Bytes, RowReader::AsIs, 1);
+    Image image;
+    image.width = in.width(), image.height = in.height(), image.channels = in.channels();
+    read_rows(in, image);
+    return image;
+}
+
+FloatImage read_float_image(const std::string& path, const ReadOptions& options) {
+    RowReader in(path, options, RowReader::Exact, RowReader::AsIs, 4);
+    FloatImage image;
+    image.width = in.width(), image.height = in.height(), image.channels = in.channels();
+    image.depth = in.info().sample == Sample::U8 ? 8 : in.info().sample == Sample::U16 ? 16 : 0;
+    read_rows(in, image);
+    return image;
+}
+
+void write_image(const std::string& path, const Image& image) {
+    RowWriter out(path, image.width, image.height, image.channels, Sample::U8);
+    for (int y = 0; y < image.height; ++y) out.write_row(image.row(y));
+    out.finish();
+}
+
+void write_image(const std::string& path, const FloatImage& image, float lo, float hi) {
+    const OutputFormat format = output_format(path);
+    if (keeps_values(format)) {
+        RowWriter out(path, image.width, image.height, image.channels, Sample::F32);
+        for (int y = 0; y < image.height; ++y) out.write_row(image.row(y));
+        out.finish();
         return;
-#else
-        throw ToolError("this build has no PNG support; write a .pgm or .ppm file");
-#endif
     }
-    File f = open_file(path, "wb");
-    std::fprintf(f.get(), "P%c\n%d %d\n255\n", img.channels == 3 ? '6' : '5', img.width, img.height);
-    if (std::fwrite(img.pixels.data(), 1, img.pixels.size(), f.get()) != img.pixels.size())
-        throw ToolError("cannot write '" + path + "'");
+    if (image.depth == 0) {
+        Image picture = scale_to_8u(image, lo, hi);
+        write_image(path, picture);
+        return;
+    }
+    const size_t n = static_cast<size_t>(image.width) * image.channels;
+    RowWriter out(path, image.width, image.height, image.channels, image.depth == 16 ? Sample::U16 : Sample::U8);
+    std::vector<uint8_t> row8(n);
+    std::vector<uint16_t> row16(n);
+    for (int y = 0; y < image.height; ++y) {
+        const float* in = image.row(y);
+        if (image.depth == 16) {
+            for (size_t i = 0; i < n; ++i) row16[i] = round_to_16u(in[i]);
+            out.write_row(row16.data());
+        } else {
+            for (size_t i = 0; i < n; ++i) row8[i] = round_to_8u(in[i]);
+            out.write_row(row8.data());
+        }
+    }
+    out.finish();
+}
+
+void write_image(const std::string& path, const Signed16Image& image, Signed16Png mode) {
+    const OutputFormat format = output_format(path);
+    if (keeps_values(format)) {
+        RowWriter out(path, image.width, image.height, 1, Sample::I16);
+        for (int y = 0; y < image.height; ++y) out.write_row(image.data() + static_cast<size_t>(y) * image.width);
+        out.finish();
+        return;
+    }
+    if (mode == Signed16Png::Picture) {
+        write_image(path, scale_to_8u(image.data(), image.width, image.height, image.step_bytes(), true));
+        return;
+    }
+    RowWriter out(path, image.width, image.height, 1, Sample::U16);
+    std::vector<uint16_t> row(static_cast<size_t>(image.width));
+    for (int y = 0; y < image.height; ++y) {
+        const int16_t* in = image.data() + static_cast<size_t>(y) * image.width;
+        for (int x = 0; x < image.width; ++x)
+            row[x] = static_cast<uint16_t>(mode == Signed16Png::Offset ? in[x] + 32768 : std::abs(in[x]));
+        out.write_row(row.data());
+    }
+    out.finish();
 }
 
 Image to_gray(const Image& image) {
@@ -150,6 +151,20 @@ Image to_gray(const Image& image) {
         for (int x = 0; x < image.width; ++x)
             gray.at(x, y) = static_cast<uint8_t>(
                 (77 * image.at(x, y, 0) + 150 * image.at(x, y, 1) + 29 * image.at(x, y, 2) + 128) >> 8);
+    return gray;
+}
+
+FloatImage to_gray(const FloatImage& image) {
+    if (image.channels == 1) return image;
+    FloatImage gray(image.width, image.height);
+    gray.depth = image.depth;
+    const size_t n = static_cast<size_t>(image.width) * image.height;
+    for (size_t i = 0; i < n; ++i) {
+        const float* p = image.pixels.data() + 3 * i;
+        // Integer samples keep the rounded integer weights of the 8-bit path.
+        gray.pixels[i] = image.depth ? std::floor((77.0f * p[0] + 150.0f * p[1] + 29.0f * p[2] + 128.0f) / 256.0f)
+                                     : (77.0f * p[0] + 150.0f * p[1] + 29.0f * p[2]) / 256.0f;
+    }
     return gray;
 }
 
@@ -165,7 +180,7 @@ Image scale_to_8u(const FloatImage& image, float lo, float hi) {
             }
     }
     const float scale = hi > lo ? 255.0f / (hi - lo) : 0.0f;
-    Image out(image.width, image.height, 1);
+    Image out(image.width, image.height, image.channels);
     for (size_t i = 0; i < image.pixels.size(); ++i) {
         const float v = image.pixels[i];
         const float s = std::isnan(v) ? 0.0f : (v - lo) * scale;
@@ -176,7 +191,9 @@ Image scale_to_8u(const FloatImage& image, float lo, float hi) {
 
 Image scale_to_8u(const int16_t* data, int width, int height, int step_bytes, bool absolute) {
     int lo = 0, hi = 0;
-    auto row = [&](int y) { return reinterpret_cast<const int16_t*>(reinterpret_cast<const char*>(data) + y * step_bytes); };
+    auto row = [&](int y) {
+        return reinterpret_cast<const int16_t*>(reinterpret_cast<const char*>(data) + static_cast<size_t>(y) * step_bytes);
+    };
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             const int v = absolute ? std::abs(row(y)[x]) : row(y)[x];

@@ -2,63 +2,29 @@
 // on image files (`orucv <command> ...`).
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <sstream>
 
 #include "cli.h"
 #include "orucv.h"
 #include "scene.h"
 
+#ifndef ORUCV_PACKAGE_VERSION
+#define ORUCV_PACKAGE_VERSION "unknown"
+#endif
+
 namespace orucv_tool {
 namespace {
-
-std::vector<Command>& command_list() {
-    static std::vector<Command> list;
-    return list;
-}
-std::vector<DemoStep>& step_list() {
-    static std::vector<DemoStep> list;
-    return list;
-}
-
-bool flag_listed(const char* flags, const std::string& name) {
-    std::istringstream in(flags ? flags : "");
-    std::string f;
-    while (in >> f)
-        if (f == name) return true;
-    return false;
-}
-
-Args parse_args(const Command& command, int argc, char** argv) {
-    Args args;
-    for (int i = 0; i < argc; ++i) {
-        const std::string a = argv[i];
-        if (a.size() > 2 && a.compare(0, 2, "--") == 0) {
-            if (flag_listed(command.flags, a)) {
-                args.options[a] = "";
-            } else if (i + 1 < argc) {
-                args.options[a] = argv[++i];
-            } else {
-                throw ToolError("option " + a + " needs a value");
-            }
-        } else {
-            args.positional.push_back(a);
-        }
-    }
-    return args;
-}
 
 void make_dir(const std::string& dir) {
     if (mkdir(dir.c_str(), 0755) != 0 && errno != EEXIST)
         throw ToolError("cannot create directory '" + dir + "': " + std::strerror(errno));
+    struct stat st;
+    if (stat(dir.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) throw ToolError("'" + dir + "' is not a directory");
 }
 
 int run_demo(const Args& args) {
-    if (args.positional.size() > 1) throw ToolError("usage: orucv demo [DIR]");
     const std::string dir = args.positional.empty() ? "orucv-demo" : args.positional[0];
     make_dir(dir);
     const OruLibVersion* v = orucvGetLibVersion();
@@ -70,49 +36,52 @@ int run_demo(const Args& args) {
     return 0;
 }
 
-ORUCV_COMMAND("demo", "[DIR]   render the built-in scene and write one result per primitive (default orucv-demo/)",
-              run_demo);
+ORUCV_COMMAND("demo", "[DIR]", "every primitive on a built-in scene, one result image each in DIR", run_demo, kRepeat,
+              {},
+              "DIR is orucv-demo when not given; it is created if needed. Each line names the file, the\n"
+              "primitive and its time (the fastest of --repeat runs).");
+
+void print_version() {
+    const OruLibVersion* v = orucvGetLibVersion();
+    std::printf("orucv %s\n", ORUCV_PACKAGE_VERSION);
+    std::printf("library %s %s (version record %d.%d.%d.%d, target %.4s, dated %s)\n", v->Name, v->Version, v->major,
+                v->minor, v->majorBuild, v->build, v->targetCpu, v->BuildDate);
+}
 
 void usage(FILE* out) {
-    std::fprintf(out, "usage: orucv <command> [arguments]\n\ncommands:\n");
-    for (const Command& c : commands()) std::fprintf(out, "  orucv %s %s\n", c.name, c.usage);
-    std::fprintf(out, "\nimages: PNG%s, PGM and PPM (8-bit)\n", png_supported() ? "" : " (not in this build)");
+    std::fprintf(out,
+                 "usage: orucv COMMAND ARGUMENTS [OPTIONS]\n"
+                 "       orucv help COMMAND    (or orucv COMMAND --help)\n"
+                 "       orucv --version\n\ncommands:\n");
+    for (const Command& c : commands()) std::fprintf(out, "  %-10s %s\n", c.name, c.summary);
+    std::fprintf(out,
+                 "\nimages: PNG%s (8 and 16 bit), PGM and PPM (maxval up to 65535), PFM and NumPy .npy;\n"
+                 "outputs are written in the format their extension names.\n"
+                 "exit status: 0 done, 1 a command's \"no\" (such as images that differ), 2 error.\n",
+                 png_supported() ? "" : " (not in this build)");
+}
+
+int run_command(const Command& c, int argc, const char* const* argv) {
+    try {
+        bool help = false;
+        const Args args = parse_args(c, argc, argv, &help);
+        if (help) {
+            std::fputs(help_text(c).c_str(), stdout);
+            return 0;
+        }
+        if (c.common & kRepeat) set_repeat_count(args.get_int("--repeat", 1, 1, 1000000));
+        return c.run(args);
+    } catch (const UsageError& e) {
+        std::fprintf(stderr, "orucv %s: %s\n%s\n", c.name, e.what(), usage_line(c).c_str());
+    } catch (const std::bad_alloc&) {
+        std::fprintf(stderr, "orucv %s: out of memory\n", c.name);
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "orucv %s: %s\n", c.name, e.what());
+    }
+    return 2;
 }
 
 }  // namespace
-
-std::string Args::get(const std::string& name, const std::string& fallback) const {
-    auto it = options.find(name);
-    return it == options.end() ? fallback : it->second;
-}
-
-int Args::get_int(const std::string& name, int fallback) const {
-    if (!has(name)) return fallback;
-    const std::string v = get(name);
-    char* end = nullptr;
-    errno = 0;
-    const long n = std::strtol(v.c_str(), &end, 10);
-    if (v.empty() || *end || errno || n < -(1l << 30) || n > (1l << 30))
-        throw ToolError(name + " needs a whole number, not '" + v + "'");
-    return static_cast<int>(n);
-}
-
-double Args::get_double(const std::string& name, double fallback) const {
-    if (!has(name)) return fallback;
-    const std::string v = get(name);
-    char* end = nullptr;
-    const double d = std::strtod(v.c_str(), &end);
-    if (v.empty() || *end) throw ToolError(name + " needs a number, not '" + v + "'");
-    return d;
-}
-
-std::pair<int, int> Args::get_pair(const std::string& name) const {
-    const std::string v = get(name);
-    int a = 0, b = 0;
-    char tail = 0;
-    if (std::sscanf(v.c_str(), "%d,%d%c", &a, &b, &tail) != 2) throw ToolError(name + " needs X,Y, not '" + v + "'");
-    return {a, b};
-}
 
 DemoContext::DemoContext(std::string dir) : dir_(std::move(dir)) {}
 
@@ -131,31 +100,6 @@ void DemoContext::save(const std::string& name, const Image& image, const std::s
                 ms, detail.c_str());
 }
 
-bool register_command(const Command& command) {
-    command_list().push_back(command);
-    return true;
-}
-bool register_demo_step(const DemoStep& step) {
-    step_list().push_back(step);
-    return true;
-}
-const std::vector<Command>& commands() {
-    auto& list = command_list();
-    // demo first, then by name.
-    auto key = [](const Command& c) { return std::make_pair(std::strcmp(c.name, "demo") != 0, std::string(c.name)); };
-    std::sort(list.begin(), list.end(), [&](const Command& a, const Command& b) { return key(a) < key(b); });
-    return list;
-}
-std::vector<DemoStep> demo_steps() {
-    std::vector<DemoStep> steps = step_list();
-    std::stable_sort(steps.begin(), steps.end(), [](const DemoStep& a, const DemoStep& b) { return a.order < b.order; });
-    return steps;
-}
-
-void check_status(int status, const char* function) {
-    if (status < 0) throw ToolError(std::string(function) + " failed with status " + std::to_string(status));
-}
-
 }  // namespace orucv_tool
 
 int main(int argc, char** argv) {
@@ -165,23 +109,28 @@ int main(int argc, char** argv) {
         return 2;
     }
     const std::string name = argv[1];
-    if (name == "-h" || name == "--help" || name == "help") {
+    if (name == "-h" || name == "--help" || (name == "help" && argc == 2)) {
         usage(stdout);
         return 0;
     }
-    for (const Command& c : commands()) {
-        if (name != c.name) continue;
-        try {
-            return c.run(parse_args(c, argc > 2 ? argc - 2 : 0, argv + 2));
-        } catch (const ToolError& e) {
-            std::fprintf(stderr, "orucv %s: %s\n", c.name, e.what());
-            return 2;
-        } catch (const std::exception& e) {
-            std::fprintf(stderr, "orucv %s: %s\n", c.name, e.what());
+    if (name == "--version") {
+        if (argc > 2) {
+            std::fprintf(stderr, "orucv: --version takes no arguments\n");
             return 2;
         }
+        print_version();
+        return 0;
     }
-    std::fprintf(stderr, "orucv: unknown command '%s'\n\n", name.c_str());
-    usage(stderr);
+    if (name == "help") {
+        const Command* c = find_command(argv[2]);
+        if (!c || argc > 3) {
+            std::fprintf(stderr, "orucv help: %s\n", argc > 3 ? "give one command" : ("unknown command '" + std::string(argv[2]) + "'").c_str());
+            return 2;
+        }
+        std::fputs(help_text(*c).c_str(), stdout);
+        return 0;
+    }
+    if (const Command* c = find_command(name)) return run_command(*c, argc - 2, argv + 2);
+    std::fprintf(stderr, "orucv: unknown command '%s' (orucv help lists the commands)\n", name.c_str());
     return 2;
 }

@@ -38,6 +38,7 @@ void require_level(orucv::SimdLevel level) {
         GTEST_SKIP() << "this processor has no " << orutest::level_name(level)
                      << ": its paths are not compared with the scalar twin here";
 #else
+    (void)level;
     GTEST_SKIP() << "portable build: only the scalar kernels exist";
 #endif
 }

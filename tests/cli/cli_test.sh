@@ -1,0 +1,240 @@
+#!/usr/bin/env bash
+# The orucv program as a user runs it: cli_test.sh CASE, with ORUCV (the
+# program), CLI_PROBE (tests/cli/cli_probe), CLI_WORK (a scratch directory)
+# and CLI_BUILD (the build directory) set by CTest.
+set -u
+case_name=$1
+work=${CLI_WORK:?}
+rm -rf "$work" && mkdir -p "$work" && cd "$work" || exit 1
+failures=0
+
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+
+# expect STATUS TEXT -- COMMAND...: the command exits with STATUS and its
+# stderr (or stdout when TEXT starts with "out:") contains TEXT.
+expect() {
+    local status=$1 text=$2
+    shift 3
+    "$@" >out.txt 2>err.txt
+    local got=$?
+    local where=err.txt
+    if [ "${text#out:}" != "$text" ]; then text=${text#out:}; where=out.txt; fi
+    if [ "$got" != "$status" ]; then
+        fail "'$*' exited $got, expected $status"; cat err.txt
+    elif ! grep -qF -- "$text" "$where"; then
+        fail "'$*' did not print: $text"; cat out.txt err.txt
+    fi
+}
+
+# A 16-bit PGM of 4x2 samples (big-endian): 0 1 256 65535 / 4660 43981 32768 7.
+printf 'P5\n4 2\n65535\n\x00\x00\x00\x01\x01\x00\xff\xff\x12\x34\xab\xcd\x80\x00\x00\x07' >wide.pgm
+printf 'P5\n4 2\n65535\n' >zero.pgm && head -c 16 /dev/zero >>zero.pgm
+"$CLI_PROBE" gray 64 48 gray.pgm || exit 1
+
+case $case_name in
+options)
+    # Unknown options, stray arguments and missing values, with the usage line.
+    expect 2 "unknown option --bogus" -- "$ORUCV" canny gray.pgm e.pgm --bogus 3
+    expect 2 "usage: orucv canny IN OUT" -- "$ORUCV" canny gray.pgm e.pgm --bogus 3
+    expect 2 "unknown option --levels" -- "$ORUCV" pyrup gray.pgm u.pgm --levels 2
+    expect 2 "unknown option --dz" -- "$ORUCV" sobel gray.pgm s.pgm --dz
+    expect 2 "unexpected argument 'extra'" -- "$ORUCV" canny gray.pgm e.pgm extra
+    expect 2 "missing OUT" -- "$ORUCV" canny gray.pgm
+    expect 2 "option --low needs a value (L)" -- "$ORUCV" canny gray.pgm e.pgm --low
+    expect 2 "option --seed is required" -- "$ORUCV" fill gray.pgm f.pgm --value 3
+    expect 2 "option --metric takes c, l1 or l2, not 'l3'" -- "$ORUCV" distance gray.pgm d.pgm --metric l3
+    expect 2 "--low needs a number" -- "$ORUCV" canny gray.pgm e.pgm --low x
+    expect 2 "unknown option -h2" -- "$ORUCV" demo -h2
+    expect 2 "unknown command 'frobnicate'" -- "$ORUCV" frobnicate
+    expect 0 "out:e.pgm: 64x48" -- "$ORUCV" canny gray.pgm e.pgm --low=10 --high 50
+    # Smoothing first: noise gives far fewer edges, the step between the
+    # halves still gives its line.
+    { printf 'P5 64 64 255\n'; LC_ALL=C awk 'BEGIN { s = 1; for (i = 0; i < 4096; i++) {
+        s = (s * 1103515245 + 12345) % 2147483648; printf "%c", (i % 64 < 32 ? 60 : 160) + int(s / 2147483648 * 40) } }'; } >noise.pgm
+    edges() { sed -n 's/.*, \([0-9]*\) edge pixels.*/\1/p' "$1"; }
+    expect 0 "out:smoothed with sigma 1.41" -- "$ORUCV" canny noise.pgm smooth.pgm --sigma 1.4 --low 20 --high 60
+    "$ORUCV" canny noise.pgm e.pgm --low 20 --high 60 >sharp.txt && cp out.txt smooth.txt
+    n=$(edges smooth.txt)
+    [ "$n" -lt "$(($(edges sharp.txt) / 4))" ] && [ "$n" -ge 50 ] && [ "$n" -le 140 ] ||
+        fail "--sigma: $(cat smooth.txt) vs $(cat sharp.txt)"
+    expect 2 "choose one derivative, not both --dx and --dy" -- "$ORUCV" sobel gray.pgm s.pgm --dx --dy
+    ;;
+help)
+    expect 0 "out:usage: orucv COMMAND" -- "$ORUCV" help
+    expect 0 "out:usage: orucv canny IN OUT" -- "$ORUCV" help canny
+    expect 0 "out:--sigma S" -- "$ORUCV" canny --help
+    expect 0 "out:usage: orucv demo [DIR]" -- "$ORUCV" demo -h
+    [ -e ./-h ] && fail "demo -h created a directory"
+    expect 2 "unknown command 'nope'" -- "$ORUCV" help nope
+    expect 0 "out:orucv 2." -- "$ORUCV" --version
+    expect 0 "out:library orucva6 v2.0 gold SP1 (version record 2.0.1.24, target a6" -- "$ORUCV" --version
+    expect 2 "takes no arguments" -- "$ORUCV" --version x
+    # Every command has a help page that names every option of its usage.
+    for c in $("$ORUCV" help | awk '/^commands:/ {on = 1; next} on && NF == 0 {on = 0} on {print $1}'); do
+        "$ORUCV" "$c" --help >page.txt 2>&1 || fail "$c --help exited $?"
+        grep -q "^usage: orucv $c" page.txt || fail "$c --help has no usage line"
+        for o in $(grep -o -- '\[--[a-z0-9-]*' page.txt | tr -d '['); do
+            grep -q "^  $o" page.txt || fail "$c --help does not explain $o"
+        done
+    done
+    ;;
+outputs)
+    # Names the program cannot write are refused before any work.
+    expect 2 "cannot write 'e.jpg'" -- "$ORUCV" canny gray.pgm e.jpg
+    expect 2 "the name has no extension" -- "$ORUCV" canny gray.pgm e
+    expect 2 "cannot write 'o.tif'" -- "$ORUCV" match gray.pgm gray.pgm m.pfm --outline o.tif
+    [ -e m.pfm ] && fail "match wrote its score map before refusing the outline name"
+    printf 'P6 1 1 255\n\x01\x02\x03' >rgb.ppm
+    expect 2 "a PGM holds one channel" -- "$ORUCV" pyrup rgb.ppm u.pgm
+    expect 0 "out:u.PPM" -- "$ORUCV" pyrup rgb.ppm u.PPM
+    [ "$(head -c 2 u.PPM)" = P6 ] || fail "u.PPM is not a PPM"
+    ;;
+raw)
+    # 16-bit samples survive a float path: |a - 0| = a, to PGM and back, and
+    # through PNG when the build has it.
+    expect 0 "out:float difference of 16-bit and 16-bit input" -- "$ORUCV" absdiff wide.pgm zero.pgm same.pgm
+    cmp -s same.pgm wide.pgm || fail "16-bit values changed on the way through absdiff"
+    if "$ORUCV" absdiff wide.pgm zero.pgm same.png >/dev/null 2>&1; then
+        [ "$(od -An -tu1 -j24 -N1 same.png | tr -d ' ')" = 16 ] || fail "same.png is not 16-bit"
+        "$ORUCV" absdiff same.png zero.pgm back.pgm >/dev/null && cmp -s back.pgm wide.pgm ||
+            fail "16-bit PNG round trip changed values"
+    fi
+    # Signed derivatives: int16 in .npy, value + 32768 with --raw offset,
+    # |value| with --raw abs, float in .pfm: the same numbers four ways.
+    "$ORUCV" sobel gray.pgm dx.npy >/dev/null && "$ORUCV" sobel gray.pgm off.pgm --raw offset >/dev/null &&
+        "$ORUCV" sobel gray.pgm abs.pgm --raw abs >/dev/null && "$ORUCV" sobel gray.pgm dx.pfm >/dev/null ||
+        fail "sobel outputs"
+    values() { od -An -v "$@" | tr -s ' ' '\n' | sed '/^$/d'; }
+    values -td2 -j128 dx.npy >npy.txt
+    values -tu2 --endian=big -j"$(($(wc -c <off.pgm) - 6144))" off.pgm | awk '{print $1 - 32768}' >off.txt
+    values -tu2 --endian=big -j"$(($(wc -c <abs.pgm) - 6144))" abs.pgm >abs.txt
+    awk '{print $1 < 0 ? -$1 : $1}' npy.txt >npy_abs.txt
+    [ "$(wc -l <npy.txt)" = 3072 ] || fail "dx.npy holds $(wc -l <npy.txt) values"
+    cmp -s npy.txt off.txt || fail "--raw offset differs from the .npy values"
+    cmp -s npy_abs.txt abs.txt || fail "--raw abs differs from the .npy magnitudes"
+    grep -qv '^0$' npy.txt || fail "the derivative is all zero"
+    # PFM rows run bottom to top: its last row is the image's first.
+    values -tf4 -j"$(($(wc -c <dx.pfm) - 256))" dx.pfm | awk '{printf "%d\n", $1}' >pfm_top.txt
+    head -64 npy.txt | cmp -s - pfm_top.txt || fail "dx.pfm does not hold the first row last"
+    # 16-bit images keep their depth through the float pyramids and fills.
+    expect 0 "out:4x2 -> 2x1" -- "$ORUCV" pyrdown wide.pgm half.pgm
+    [ "$(head -c 13 half.pgm | tail -c 6)" = 65535 ] || fail "half.pgm is not 16-bit: $(head -c 13 half.pgm)"
+    expect 0 "out:4-connected fixed-range fill from (0,0): area 1" -- "$ORUCV" fill wide.pgm filled.pgm --seed 0,0 --value 60000
+    [ "$(od -An -tu2 --endian=big -j13 -N2 filled.pgm | tr -d ' ')" = 60000 ] || fail "fill value"
+    expect 0 "out:best match at (0, 0), 4x2, score 1" -- "$ORUCV" match wide.pgm wide.pgm m.npy
+    # Float measures: distances kept whole.
+    printf 'P5 5 1 255\n\x00\x09\x09\x09\x09' >line.pgm
+    expect 0 "out:largest distance 4" -- "$ORUCV" distance line.pgm dist.npy --metric l1
+    [ "$(values -tf4 -j128 dist.npy | tr '\n' ' ')" = "0 1 2 3 4 " ] || fail "distances $(values -tf4 -j128 dist.npy)"
+    ;;
+to8)
+    # 16-bit input to an 8-bit command: refused, naming depth and option.
+    expect 2 "is a 16-bit image; this command works on 8-bit pixels: --to8 shift" -- "$ORUCV" canny wide.pgm e.pgm
+    [ -e e.pgm ] && fail "canny wrote output for a refused input"
+    expect 0 "out:e.pgm" -- "$ORUCV" canny wide.pgm e.pgm --to8 scale
+    expect 0 "out:s.pgm" -- "$ORUCV" distance wide.pgm s.pgm --to8 shift
+    printf 'Pf 1 1 -1.0\n\x00\x00\x80\x3f' >one.pfm
+    expect 2 "holds float values" -- "$ORUCV" canny one.pfm e.pgm
+    ;;
+hostile)
+    # Headers claiming gigabytes over a few bytes: a quick, clear refusal.
+    "$CLI_PROBE" pnm P5 65535 65535 255 big.pgm && "$CLI_PROBE" pnm P6 46340 46340 255 big.ppm || exit 1
+    "$CLI_PROBE" pnm P5 16000 16000 255 truncated.pgm || exit 1
+    files="big.pgm big.ppm truncated.pgm"
+    if "$CLI_PROBE" png 65535 65535 8 0 big.png && "$ORUCV" help | grep -q 'PNG (8'; then
+        "$CLI_PROBE" png 46340 46340 8 2 bigrgb.png && "$CLI_PROBE" png 16000 16000 8 0 truncated.png
+        files="$files big.png bigrgb.png truncated.png"
+    fi
+    limit_mib=64
+    [ "${CLI_SANITIZED:-OFF}" = ON ] && limit_mib=0  # the sanitizers' own memory
+    for f in $files; do
+        "$CLI_PROBE" run $limit_mib 2 2 -- "$ORUCV" pyrdown "$f" out.pgm >probe.txt 2>err.txt ||
+            { fail "$f: $(cat probe.txt err.txt)"; continue; }
+        grep -qE "more than the limit|truncated|bad PNG data" err.txt || fail "$f: $(cat err.txt)"
+        grep -qF "'$f'" err.txt || fail "$f: the message does not name the file: $(cat err.txt)"
+        [ -e out.pgm ] && fail "$f: output written"
+    done
+    expect 2 "--max-pixels raises it" -- "$ORUCV" pyrdown big.pgm out.pgm
+    expect 2 "more than the limit of 100 pixels" -- "$ORUCV" pyrdown gray.pgm out.pgm --max-pixels 100
+    ;;
+nothing_on_failure)
+    expect 2 "seed 70,3 lies outside the 64x48 image" -- "$ORUCV" fill gray.pgm f.pgm --seed 70,3 --value 1
+    expect 2 "the images differ in size" -- "$ORUCV" absdiff gray.pgm wide.pgm a.pgm
+    expect 2 "template (64x48) is larger than the image (4x2)" -- "$ORUCV" match wide.pgm gray.pgm m.npy
+    ls ./*.npy f.pgm a.pgm 2>/dev/null && fail "a failed command left a file"
+    # Success prints nothing on stderr (no progress without a terminal).
+    "$ORUCV" match gray.pgm gray.pgm m.npy --repeat 3 >out.txt 2>err.txt || fail "match"
+    [ -s err.txt ] && fail "stderr without a terminal: $(cat err.txt)"
+    grep -q "min .* ms, median .* ms of 3 runs" out.txt || fail "--repeat 3: $(cat out.txt)"
+    grep -q "best match at (0, 0), 64x48, score 1" out.txt || fail "best match: $(cat out.txt)"
+    ;;
+streaming)
+    # convert streams rows: memory stays small whatever the height, and the
+    # bytes come out as they went in.
+    "$CLI_PROBE" gray 1000 100000 tall.pgm || exit 1
+    limit_mib=16
+    [ "${CLI_SANITIZED:-OFF}" = ON ] && limit_mib=0
+    "$CLI_PROBE" run $limit_mib 20 0 -- "$ORUCV" convert tall.pgm tall.npy --max-pixels 1000 >probe.txt 2>&1 ||
+        fail "convert tall.pgm: $(cat probe.txt)"
+    cmp -s <(tail -c 100000000 tall.npy) <(tail -c 100000000 tall.pgm) || fail "tall.npy holds other values"
+    rm -f tall.npy
+    cat probe.txt
+    size=$(wc -c <tall.pgm)
+    expect 2 "is also the input" -- "$ORUCV" convert tall.pgm tall.pgm
+    [ "$(wc -c <tall.pgm)" = "$size" ] || fail "convert truncated its own input"
+    rm -f tall.pgm
+    expect 0 "out:16-bit from PGM" -- "$ORUCV" convert wide.pgm wide.npy
+    expect 0 "out:converted to 8-bit" -- "$ORUCV" convert wide.npy w8.pgm --to8 shift
+    [ "$(od -An -tu1 -j11 w8.pgm | tr -s ' ')" = " 0 0 1 255 18 171 128 0" ] || fail "--to8 shift: $(od -An -tu1 -j11 w8.pgm)"
+    printf 'Pf 1 1 -1.0\n\x00\x00\x80\x3f' >one.pfm
+    expect 2 "write them to a .pfm or .npy file" -- "$ORUCV" convert one.pfm one.pgm
+    ;;
+progress)
+    # Large matches run in bands of result rows: byte scores are exact sums,
+    # so the top rows of a banded map equal those of a map of a crop matched
+    # in one call.
+    "$CLI_PROBE" gray 600 600 full.pgm && "$CLI_PROBE" gray 600 150 crop.pgm || exit 1
+    printf 'P5 100 100 255\n' >tpl.pgm && tail -c 10000 crop.pgm >>tpl.pgm
+    for m in sqdiff-normed coeff-normed; do
+        "$ORUCV" match full.pgm tpl.pgm full.npy --method $m >/dev/null &&
+            "$ORUCV" match crop.pgm tpl.pgm crop.npy --method $m >/dev/null || fail "match $m"
+        cmp -s <(tail -c +129 crop.npy) <(tail -c +129 full.npy | head -c $((51 * 501 * 4))) ||
+            fail "$m: banded scores differ from one call"
+    done
+    # On a terminal the bands show a bar (here from the first band on);
+    # without one, nothing.
+    command -v script >/dev/null || { echo "no script(1): the terminal part is skipped"; exit $((failures > 0)); }
+    ORUCV_PROGRESS_AFTER_MS=0 script -qec "'$ORUCV' match full.pgm tpl.pgm tty.npy" /dev/null >tty.txt 2>&1
+    grep -q "best match at" tty.txt || fail "match on a terminal: $(cat tty.txt)"
+    grep -q "match \[#*\.*\] *[0-9]*%" tty.txt || fail "no progress bar on a terminal: $(cat -v tty.txt)"
+    ORUCV_PROGRESS_AFTER_MS=0 "$ORUCV" match full.pgm tpl.pgm plain.npy >out.txt 2>err.txt
+    [ -s err.txt ] && fail "progress without a terminal: $(cat err.txt)"
+    cmp -s tty.npy plain.npy || fail "scores differ on a terminal"
+    ;;
+demo)
+    "$ORUCV" demo demo-out --repeat 2 >out.txt 2>err.txt || fail "demo: $(cat err.txt)"
+    [ -s err.txt ] && fail "demo wrote to stderr: $(cat err.txt)"
+    [ "$(find demo-out -type f | wc -l)" -ge 10 ] || fail "demo wrote $(find demo-out -type f | wc -l) files"
+    expect 2 "unexpected argument 'b'" -- "$ORUCV" demo a b
+    ;;
+install)
+    # The installed program finds its library through its relative run path,
+    # from any prefix, with no LD_LIBRARY_PATH.
+    prefix=$work/prefix
+    cmake --install "${CLI_BUILD:?}" --prefix "$prefix" >/dev/null || { fail "cmake --install"; exit 1; }
+    (
+        unset LD_LIBRARY_PATH
+        cd / && "$prefix/bin/orucv" --version >"$work/version.txt" 2>&1 &&
+            "$prefix/bin/orucv" canny "$work/gray.pgm" "$work/edges.pgm" >/dev/null
+    ) || fail "the installed orucv does not run: $(cat version.txt)"
+    mv "$prefix" "$work/moved" && (unset LD_LIBRARY_PATH; "$work/moved/bin/orucv" --version >/dev/null) ||
+        fail "the installed orucv does not run after its prefix moved"
+    ;;
+*)
+    echo "unknown case $case_name"
+    exit 2
+    ;;
+esac
+
+[ $failures -eq 0 ] && echo "cli.$case_name: passed" || echo "cli.$case_name: $failures failed"
+exit $((failures > 0))
