@@ -387,7 +387,7 @@ TEST(StatsPaths, SameBitsInEveryBuild) {
     uint64_t all = 1469598103934665603ull;
     std::string each;
     for (const Function& fn : kFunctions) {
-        Images im(fn, {37, 5}, 3, 1, 2);
+        Images im(fn, {37, 5}, 3, fn.sample_bytes(), 2);
         fill(fn, im, 2024, false, 2);
         const Outcome o = fn.run(im.args(fn));
         const uint64_t words[] = {bits(o.d[0]), bits(o.d[1]), bits(o.f[0]), bits(o.f[1]),
