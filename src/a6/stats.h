@@ -122,8 +122,10 @@ static inline T sample(const void* row, int x) {
 }
 
 // Adds x to the double-double hi + lo: the sum's rounding error, found
-// exactly by the two-sum, goes to lo. The vector paths do the same
-// operations in the same order.
+// exactly by the two-sum, goes to lo. The error is one number however it is
+// found, so the vector paths may take the shorter fast two-sum where it is
+// exact (|hi| >= |x|) and keep the same bits. Once hi is not finite, lo
+// means nothing.
 static inline void dd_add(double& hi, double& lo, double x) {
     const double s = hi + x;
     const double bv = s - hi;
