@@ -1,9 +1,11 @@
-// Accumulators, all 23 functions. Bytes read plus written per pixel: the
-// sources (1 or 4 bytes each), the mask (1) and the accumulator (4 + 4).
+// Accumulators, every function of the list. Bytes read plus written per
+// pixel: the sources (1 or 4 bytes each), the mask (1) and the accumulator
+// (4 + 4).
 #include <memory>
 #include <type_traits>
 #include <vector>
 
+#include "accum_list.h"
 #include "bench_util.h"
 #include "orucv.h"
 
@@ -36,47 +38,30 @@ constexpr float kAlpha = 0.05f;
 
 }  // namespace
 
-#define ACCUM_BENCH(fn, S, bytes_per_pixel, ...)                  \
-    ORUBENCH(#fn, bytes_per_pixel, [](int w, int h) {             \
+// Registrations by argument list: operation and masking. Bytes per pixel:
+// the sources, the mask and the accumulator read and written.
+#define ACCUM_BENCH(name, S, bytes_per_pixel, ...)                \
+    ORUBENCH(#name, bytes_per_pixel, [](int w, int h) {           \
         auto f = frames<S>(w, h);                                 \
-        return [f, w, h] { fn(__VA_ARGS__); };                    \
-    })
-#define ONE(fn, S) ACCUM_BENCH(fn, S, sizeof(S) + 8.0, f->a.data(), w * int(sizeof(S)), f->acc.data(), 4 * w, {w, h})
-#define ONE_M(fn, S)                                                                                           \
-    ACCUM_BENCH(fn, S, sizeof(S) + 9.0, f->a.data(), w * int(sizeof(S)), f->mask.data(), w, f->acc.data(), 4 * w, \
+        return [f, w, h] { name(__VA_ARGS__); };                  \
+    });
+#define BENCH_Add_false(name, S) \
+    ACCUM_BENCH(name, S, sizeof(S) + 8.0, f->a.data(), w * int(sizeof(S)), f->acc.data(), 4 * w, {w, h})
+#define BENCH_Add_true(name, S)                                                                                 \
+    ACCUM_BENCH(name, S, sizeof(S) + 9.0, f->a.data(), w * int(sizeof(S)), f->mask.data(), w, f->acc.data(), 4 * w, \
                 {w, h})
-#define TWO(fn, S)                                                                                           \
-    ACCUM_BENCH(fn, S, 2 * sizeof(S) + 8.0, f->a.data(), w * int(sizeof(S)), f->b.data(), w * int(sizeof(S)), \
+#define BENCH_Product_false(name, S)                                                                           \
+    ACCUM_BENCH(name, S, 2 * sizeof(S) + 8.0, f->a.data(), w * int(sizeof(S)), f->b.data(), w * int(sizeof(S)), \
                 f->acc.data(), 4 * w, {w, h})
-#define TWO_M(fn, S)                                                                                          \
-    ACCUM_BENCH(fn, S, 2 * sizeof(S) + 9.0, f->a.data(), w * int(sizeof(S)), f->b.data(), w * int(sizeof(S)), \
+#define BENCH_Product_true(name, S)                                                                            \
+    ACCUM_BENCH(name, S, 2 * sizeof(S) + 9.0, f->a.data(), w * int(sizeof(S)), f->b.data(), w * int(sizeof(S)), \
                 f->mask.data(), w, f->acc.data(), 4 * w, {w, h})
-#define WTD(fn, S) \
-    ACCUM_BENCH(fn, S, sizeof(S) + 8.0, f->a.data(), w * int(sizeof(S)), f->acc.data(), 4 * w, {w, h}, kAlpha)
-#define WTD_M(fn, S)                                                                                           \
-    ACCUM_BENCH(fn, S, sizeof(S) + 9.0, f->a.data(), w * int(sizeof(S)), f->mask.data(), w, f->acc.data(), 4 * w, \
+#define BENCH_Weighted_false(name, S) \
+    ACCUM_BENCH(name, S, sizeof(S) + 8.0, f->a.data(), w * int(sizeof(S)), f->acc.data(), 4 * w, {w, h}, kAlpha)
+#define BENCH_Weighted_true(name, S)                                                                            \
+    ACCUM_BENCH(name, S, sizeof(S) + 9.0, f->a.data(), w * int(sizeof(S)), f->mask.data(), w, f->acc.data(), 4 * w, \
                 {w, h}, kAlpha)
-
-ONE(oruiAdd_8u32f_C1IR, Oru8u);
-ONE(oruiAdd_8s32f_C1IR, Oru8s);
-ONE_M(oruiAdd_8u32f_C1IMR, Oru8u);
-ONE_M(oruiAdd_8s32f_C1IMR, Oru8s);
-ONE_M(oruiAdd_32f_C1IMR, Oru32f);
-ONE(oruiAddSquare_8u32f_C1IR, Oru8u);
-ONE(oruiAddSquare_8s32f_C1IR, Oru8s);
-ONE(oruiAddSquare_32f_C1IR, Oru32f);
-ONE_M(oruiAddSquare_8u32f_C1IMR, Oru8u);
-ONE_M(oruiAddSquare_8s32f_C1IMR, Oru8s);
-ONE_M(oruiAddSquare_32f_C1IMR, Oru32f);
-TWO(oruiAddProduct_8u32f_C1IR, Oru8u);
-TWO(oruiAddProduct_8s32f_C1IR, Oru8s);
-TWO(oruiAddProduct_32f_C1IR, Oru32f);
-TWO_M(oruiAddProduct_8u32f_C1IMR, Oru8u);
-TWO_M(oruiAddProduct_8s32f_C1IMR, Oru8s);
-TWO_M(oruiAddProduct_32f_C1IMR, Oru32f);
-WTD(oruiAddWeighted_8u32f_C1IR, Oru8u);
-WTD(oruiAddWeighted_8s32f_C1IR, Oru8s);
-WTD(oruiAddWeighted_32f_C1IR, Oru32f);
-WTD_M(oruiAddWeighted_8u32f_C1IMR, Oru8u);
-WTD_M(oruiAddWeighted_8s32f_C1IMR, Oru8s);
-WTD_M(oruiAddWeighted_32f_C1IMR, Oru32f);
+#define BENCH_Square_false BENCH_Add_false
+#define BENCH_Square_true BENCH_Add_true
+#define BENCH(name, op, S, masked) BENCH_##op##_##masked(name, S)
+ORUCV_ACCUM_FUNCTIONS(BENCH)

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "bench_util.h"
+#include "canny_list.h"
 #include "orucv.h"
 
 namespace {
@@ -23,17 +24,22 @@ void scene_derivatives(const orucv_tool::Image& img, std::vector<int16_t>& dx, s
     oruiSobel3x3_Dy_8u16s_C1R(img.pixels.data(), img.step(), dy.data(), 2 * w, 0, {w, h});
 }
 
-ORUBENCH("Canny_16s8u_SobelScene", 0, [](int w, int h) {
-    auto f = std::make_shared<CannyFrame>();
-    scene_derivatives(orubench::scene(w, h), f->dx, f->dy);
-    int size = 0;
-    oruiCannyGetSize({w, h}, &size);
-    f->buffer.resize(size);
-    f->edges.resize(static_cast<size_t>(w) * h);
-    return [f, w, h] {
-        oruiCanny_16s8u_C1R(f->dx.data(), 2 * w, f->dy.data(), 2 * w, f->edges.data(), w, {w, h}, 40.0f, 120.0f,
-                            f->buffer.data());
-    };
-});
-
 }  // namespace
+
+// The detector on the scene's derivatives; the size query is not measured.
+#define BENCH_BufferSize(name)
+#define BENCH_Detect(name)                                                                                      \
+    ORUBENCH(#name, 0, [](int w, int h) {                                                                       \
+        auto f = std::make_shared<CannyFrame>();                                                                \
+        scene_derivatives(orubench::scene(w, h), f->dx, f->dy);                                                 \
+        int size = 0;                                                                                           \
+        oruiCannyGetSize({w, h}, &size);                                                                        \
+        f->buffer.resize(size);                                                                                 \
+        f->edges.resize(static_cast<size_t>(w) * h);                                                            \
+        return [f, w, h] {                                                                                      \
+            name(f->dx.data(), 2 * w, f->dy.data(), 2 * w, f->edges.data(), w, {w, h}, 40.0f, 120.0f,          \
+                 f->buffer.data());                                                                             \
+        };                                                                                                      \
+    });
+#define BENCH(name, shape) BENCH_##shape(name)
+ORUCV_CANNY_FUNCTIONS(BENCH)

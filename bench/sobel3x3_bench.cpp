@@ -1,11 +1,13 @@
-// Fixed 3x3 Sobel and Scharr filters on the demo scene. Bytes read plus
-// written per pixel: 3 for 8-bit sources (16-bit results), 8 for floats.
+// Fixed 3x3 Sobel and Scharr filters, every function of the list, on the
+// demo scene. Bytes read plus written per pixel: 3 for 8-bit sources (16-bit
+// results), 8 for floats.
 #include <memory>
 #include <type_traits>
 #include <vector>
 
 #include "bench_util.h"
 #include "orucv.h"
+#include "sobel3x3_list.h"
 
 namespace {
 
@@ -32,46 +34,20 @@ std::shared_ptr<Frame<S, D>> frame(int w, int h) {
     return f;
 }
 
-#define SOBEL_PLAIN(name, fn, S, D, bpp)                                                          \
-    ORUBENCH(name, bpp, [](int w, int h) {                                                        \
-        auto f = frame<S, D>(w, h);                                                               \
-        return [f] { fn(f->src.data(), f->src_step(), f->dst.data(), f->dst_step(), {f->w, f->h}); }; \
-    })
-#define SOBEL_ORIGIN(name, fn, S, D, bpp)                                                            \
-    ORUBENCH(name, bpp, [](int w, int h) {                                                           \
-        auto f = frame<S, D>(w, h);                                                                  \
-        return [f] { fn(f->src.data(), f->src_step(), f->dst.data(), f->dst_step(), 0, {f->w, f->h}); }; \
-    })
-#define SCHARR_DX(name, fn, S, D, bpp)                                                               \
-    ORUBENCH(name, bpp, [](int w, int h) {                                                           \
-        auto f = frame<S, D>(w, h);                                                                  \
-        return [f] { fn(f->src.data(), f->src_step(), f->dst.data(), f->dst_step(), {f->w, f->h}, 0); }; \
-    })
-#define SCHARR_DY(name, fn, S, D, bpp)                                                                  \
-    ORUBENCH(name, bpp, [](int w, int h) {                                                              \
-        auto f = frame<S, D>(w, h);                                                                     \
-        return [f] { fn(f->src.data(), f->src_step(), f->dst.data(), f->dst_step(), 0, {f->w, f->h}, 0); }; \
-    })
-
-SOBEL_PLAIN("Sobel3x3_Dx_8u16s", oruiSobel3x3_Dx_8u16s_C1R, Oru8u, Oru16s, 3);
-SOBEL_ORIGIN("Sobel3x3_Dy_8u16s", oruiSobel3x3_Dy_8u16s_C1R, Oru8u, Oru16s, 3);
-SOBEL_PLAIN("Sobel3x3_D2x_8u16s", oruiSobel3x3_D2x_8u16s_C1R, Oru8u, Oru16s, 3);
-SOBEL_PLAIN("Sobel3x3_D2y_8u16s", oruiSobel3x3_D2y_8u16s_C1R, Oru8u, Oru16s, 3);
-SOBEL_ORIGIN("Sobel3x3_DxDy_8u16s", oruiSobel3x3_DxDy_8u16s_C1R, Oru8u, Oru16s, 3);
-SCHARR_DX("Scharr_Dx_8u16s", oruiScharr_Dx_8u16s_C1R, Oru8u, Oru16s, 3);
-SCHARR_DY("Scharr_Dy_8u16s", oruiScharr_Dy_8u16s_C1R, Oru8u, Oru16s, 3);
-
-SOBEL_PLAIN("Sobel3x3_Dx_8s16s", oruiSobel3x3_Dx_8s16s_C1R, Oru8s, Oru16s, 3);
-SOBEL_ORIGIN("Sobel3x3_Dy_8s16s", oruiSobel3x3_Dy_8s16s_C1R, Oru8s, Oru16s, 3);
-SOBEL_PLAIN("Sobel3x3_D2x_8s16s", oruiSobel3x3_D2x_8s16s_C1R, Oru8s, Oru16s, 3);
-SOBEL_PLAIN("Sobel3x3_D2y_8s16s", oruiSobel3x3_D2y_8s16s_C1R, Oru8s, Oru16s, 3);
-SOBEL_ORIGIN("Sobel3x3_DxDy_8s16s", oruiSobel3x3_DxDy_8s16s_C1R, Oru8s, Oru16s, 3);
-SCHARR_DX("Scharr_Dx_8s16s", oruiScharr_Dx_8s16s_C1R, Oru8s, Oru16s, 3);
-SCHARR_DY("Scharr_Dy_8s16s", oruiScharr_Dy_8s16s_C1R, Oru8s, Oru16s, 3);
-
-SOBEL_PLAIN("Sobel3x3_Dx_32f", oruiSobel3x3_Dx_32f_C1R, Oru32f, Oru32f, 8);
-SOBEL_ORIGIN("Sobel3x3_Dy_32f", oruiSobel3x3_Dy_32f_C1R, Oru32f, Oru32f, 8);
-SCHARR_DX("Scharr_Dx_32f", oruiScharr_Dx_32f_C1R, Oru32f, Oru32f, 8);
-SCHARR_DY("Scharr_Dy_32f", oruiScharr_Dy_32f_C1R, Oru32f, Oru32f, 8);
+template <class S>
+using Result = typename std::conditional<std::is_same<S, Oru32f>::value, Oru32f, Oru16s>::type;
 
 }  // namespace
+
+// Registrations by argument list (origin 0, shift 0).
+#define SOBEL3X3_BENCH(name, S, ...)                                                            \
+    ORUBENCH(#name, std::is_same<S, Oru32f>::value ? 8 : 3, [](int w, int h) {                 \
+        auto f = frame<S, Result<S>>(w, h);                                                    \
+        return [f] { name(f->src.data(), f->src_step(), f->dst.data(), f->dst_step(), __VA_ARGS__); }; \
+    });
+#define BENCH_Plain(name, S) SOBEL3X3_BENCH(name, S, {f->w, f->h})
+#define BENCH_Origin(name, S) SOBEL3X3_BENCH(name, S, 0, {f->w, f->h})
+#define BENCH_Shift(name, S) SOBEL3X3_BENCH(name, S, {f->w, f->h}, 0)
+#define BENCH_OriginShift(name, S) SOBEL3X3_BENCH(name, S, 0, {f->w, f->h}, 0)
+#define BENCH(name, arguments, S, filter, steps) BENCH_##arguments(name, S)
+ORUCV_SOBEL3X3_FUNCTIONS(BENCH)

@@ -645,6 +645,187 @@ ORUCV_API OruStatus oruiMatchTemplateGetBufSize_Coeff(OruSize srcRoiSize, OruSiz
 ORUCV_API OruStatus oruiMatchTemplateGetBufSize_CoeffNormed(OruSize srcRoiSize, OruSize tplRoiSize, int dataType,
                                                             int* pBufferSize);
 
+/* ---- General strip filters ----------------------------------------------- */
+/* Separable filters of size n = 3, 5 or 7 over a one-channel image supplied
+ * in horizontal strips of any height: the Sobel derivative of orders
+ * 0..n-1 in x and in y, the box sum (Blur) and the Laplacian. A filter
+ * specification, created for one region width, data type and kernel size,
+ * holds the kernels and the rows carried from one strip call to the next,
+ * so an image of any height is filtered with memory for a few rows.
+ *
+ * Kernels. A kernel of n cells and derivative order d starts as 1 0 ... 0,
+ * is smoothed n - 1 - d times (c'[k] = c[k] + c[k-1], a binomial row) and
+ * differenced d times (c'[0] = -c[0], c'[k] = c[k-1] - c[k]); an odd y
+ * derivative with origin 1 (rows stored bottom-up) is negated. n = 3 gives
+ * 1 2 1 (d = 0), -1 0 1 (d = 1), 1 -2 1 (d = 2); n = 5, d = 1 gives
+ * -1 -2 0 2 1. Cell k weighs pixel x - n/2 + k across and row y - n/2 + k
+ * down, so first derivatives are right minus left and, with origin 0, lower
+ * minus upper. Pixels and rows beyond the image are replicas of the nearest
+ * edge pixel or row.
+ *
+ *   Sobel    x kernel (order xorder) across, y kernel (order yorder) down.
+ *   Blur     the unnormalised sum of the n x n pixels around each pixel.
+ *   Laplace  (order 2 across, order 0 down) + (order 0 across, order 2 down).
+ *
+ * Integer results (8u16s, 8s16s) are computed in 16 bits with wrap-around:
+ * each is the exact sum modulo 2^16 (Sobel and Laplace sums of size 5 or 7
+ * can exceed the 16-bit range; blur sums never do).
+ *
+ * Float results follow one order on every path. Across: the products
+ * w * s of the pixels the kernel meets, added in increasing k from the
+ * first product, where w is cell k, or near the edges the sum of the cells
+ * that meet the same replicated pixel (weighed once, at the first of them);
+ * weights of 0 drop out and a sum left empty is 0. Down: the same over the
+ * across-filtered rows. Laplace adds its two parts in the order above (a
+ * part left empty, order 2 down a one-row image, drops out). So size 3 with
+ * the orders of the fixed 3x3 filters gives their bits (for example the
+ * last row of Dx is d(y-1) + 3 d(y)). Blur: each row's sums run over its n
+ * pixels left to right, a replicated edge pixel met m times as m * s (the
+ * first sum of a row is (n/2 + 1) s[0] + s[1] + ... + s[n/2]); the column
+ * sums start as (n/2 + 1) times the first row's sums, take rows 1..n/2 one
+ * by one (col = col + row), and then at each further row
+ * col = (col + entering row) - leaving row: the running sums of a float
+ * image carry the rounding of the rows before, and a non-finite pixel
+ * spoils its column from there on. NaN results are stored as the quiet NaN
+ * 0x7FC00000.
+ *
+ * Strips. Each call passes the next source rows (pRoiSize->height of them)
+ * with stripFlag 1 (first strip), 4 (middle), 2 (last), or 0 for the whole
+ * image in one call (Blur and Laplace also take 3, the same as 0). A call
+ * writes the destination rows whose window of source rows is complete and
+ * sets pRoiSize->height to their count: after any call min(n/2, rows so far)
+ * rows are held back, and the last strip writes them out, so its
+ * destination needs room for its rows plus n/2. Flags 1, 4, ..., 4, 2 over
+ * any split of an image give exactly the rows of one flag-0 call. The last
+ * strip (or a flag-0 call) ends the pass: the specification is fresh again.
+ * A fresh specification accepts only flags 0 and 1; flag 1 or 0 given
+ * during a pass starts a new one. Destination row j of a call is written
+ * only after source row j of the call was read, so the destination may be
+ * the source (same pointer and step) or start above it with the same step.
+ *
+ * Checks of the filter calls, first failure returns (nothing is written and
+ * pRoiSize is left as it was):
+ *   Sobel (8u16s, 8s16s, 32f):
+ *     1. pSrc, pDst, pSpec or pRoiSize NULL: oruStsNullPointer;
+ *     2. width or height below 1, srcStep below width * source element
+ *        size, dstStep below width * destination element size, or a step
+ *        not a multiple of its element size (odd dstStep for 16-bit
+ *        results; 32f: either step not a multiple of 4): oruStsSize;
+ *     3. stripFlag not 0, 1, 2 or 4: oruStsBadArg.
+ *   Blur and Laplace (8u16s, 8s16s, 32f):
+ *     1. pSrc, pDst, pSpec or pRoiSize NULL: oruStsNullPointer;
+ *     2. srcStep or dstStep below 1: oruStsStep;
+ *     3. width or height below 1: oruStsSize;
+ *     4. 8-bit sources: dstStep odd; Blur 32f: srcStep or dstStep odd
+ *        (float rows may then sit at even addresses); Laplace 32f: srcStep
+ *        or dstStep not a multiple of 4: oruStsNotEvenStep;
+ *     5. stripFlag below 0 or above 4: oruStsBadArg.
+ *   Then, for every filter call:
+ *     pSpec not a specification of this filter for this data (8u16s and
+ *     8s16s calls take specifications of type oruDataType8u or
+ *     oruDataType8s alike, 32f calls those of oruDataType32f) and exactly
+ *     this width: oruStsContextMismatch;
+ *     a fresh specification given a flag other than 0 and 1: oruStsBadArg.
+ *
+ * Creation checks, first failure returns (*ppSpec is written on success
+ * only):
+ *   oruiSobelInitAlloc: ppSpec NULL (oruStsNullPointer); roiWidth below 1
+ *   (oruStsSize); origin not 0 or 1 (oruStsBadArg); kernelSize not 3, 5 or
+ *   7, or xorder or yorder negative or above kernelSize - 1 (oruStsSize);
+ *   dataType not oruDataType8u, oruDataType8s or oruDataType32f
+ *   (oruStsBadArg).
+ *   oruiBlurInitAlloc, oruiLaplaceInitAlloc: ppSpec NULL
+ *   (oruStsNullPointer); roiWidth below 1 or kernelSize not 3, 5 or 7
+ *   (oruStsSize); dataType not 1, 2 or 9 (oruStsBadArg).
+ *   All three return oruStsMemAlloc when the memory (a header and up to
+ *   2 n rows of 4 bytes per pixel) cannot be had.
+ * oruiConvolFree releases the specification held in *ppSpec and sets
+ * *ppSpec to NULL (a variable holding NULL, or a pointer that cannot come
+ * from the allocator, is left alone); ppSpec NULL gives oruStsNullPointer. */
+typedef struct OruFilterSpec OruFilterSpec;
+
+ORUCV_API OruStatus oruiSobelInitAlloc(int roiWidth, int dataType, int kernelSize, int origin, int xorder,
+                                       int yorder, OruFilterSpec** ppSpec);
+ORUCV_API OruStatus oruiBlurInitAlloc(int roiWidth, int dataType, int kernelSize, OruFilterSpec** ppSpec);
+ORUCV_API OruStatus oruiLaplaceInitAlloc(int roiWidth, int dataType, int kernelSize, OruFilterSpec** ppSpec);
+ORUCV_API OruStatus oruiConvolFree(OruFilterSpec** ppSpec);
+
+ORUCV_API OruStatus oruiSobel_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                        OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiSobel_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                        OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiSobel_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                      OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiBlur_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                       OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiBlur_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                       OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiBlur_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                     OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiLaplace_8u16s_C1R(const Oru8u* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                          OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiLaplace_8s16s_C1R(const Oru8s* pSrc, int srcStep, Oru16s* pDst, int dstStep,
+                                          OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+ORUCV_API OruStatus oruiLaplace_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                        OruSize* pRoiSize, OruFilterSpec* pSpec, int stripFlag);
+
+/* ---- Corner eigenvalues ------------------------------------------------------ */
+/* The 2x2 covariance of the image gradient summed over a square window,
+ * per pixel: its eigenvalues and eigenvectors (EigenValsVecs) or its
+ * smaller eigenvalue (MinEigenVal), the usual corner measures. The
+ * gradients are the Sobel first derivatives of size apertureSize (16-bit
+ * for 8-bit sources, float for float ones) and the sums are the box sums of
+ * the general filters above, so every result equals filtering the whole
+ * image with replicated borders. The image goes through in strips of at
+ * most 7 rows; the caller's buffer of the queried size is the only scratch,
+ * and the filter specifications made inside are released before return.
+ *
+ * With Ix, Iy the derivatives (as floats), Sxx, Sxy, Syy the window sums of
+ * Ix*Ix, Ix*Iy and Iy*Iy (single precision), and
+ * k = 1 / (255 * 2^(a-1) * 2^(a-1) * w * w), a = apertureSize,
+ * w = avgWindow (255 for every source type):
+ *   MinEigenVal: p = 0.5 Sxx, q = 0.5 Syy, t = p - q,
+ *     result = ((p + q) - sqrt(Sxy * Sxy + t * t)) * k.
+ *     The 8u and 8s functions sum over apertureSize x apertureSize pixels:
+ *     there avgWindow enters only k and the checks.
+ *   EigenValsVecs: six floats per pixel, l1, l2, x1, y1, x2, y2. With
+ *     a = k Sxx, c = k Syy, b = k Sxy, t = 0.01f * max(a, c):
+ *     1. min(a, c) < t: all six 0;
+ *     2. else |b| < t: l1 = a, l2 = c, vectors (1, 0) and (0, 1), unsorted;
+ *     3. else with det = a c - b b: det < t: all six 0;
+ *     4. else s = a + c, D = sqrt(s * s - 4 det), l1 = (s + D) * 0.5,
+ *        l2 = (s - D) * 0.5, and for each li: u = li - a,
+ *        m = sqrt(u * u + b * b) (2^-23 where it is 0), vector (b / m, u / m).
+ *     A flat image gives six zeros (case 4 with m = 2^-23).
+ * max(a, c) is a > c ? a : c, min(a, c) is a < c ? a : c. NaN results are
+ * stored as the quiet NaN 0x7FC00000.
+ *
+ * Checks, first failure returns (nothing is written):
+ *   1. pSrc, the output pointer or pBuffer NULL: oruStsNullPointer;
+ *   2. all in one test, oruStsSize: width or height below 1, srcStep below
+ *      width * source element size, the output step below 24 * width
+ *      (EigenValsVecs) or 4 * width (MinEigenVal) or not a multiple of 4,
+ *      apertureSize or avgWindow not 3, 5 or 7.
+ *   oruStsMemAlloc when the filter specifications cannot be allocated.
+ * The size queries write 96 * roiWidth bytes (12 * roiWidth for each of
+ * 8 rows); roiWidth below 1, a size not 3, 5 or 7, or a result beyond the
+ * int range give oruStsSize (tested before the pointer), then pBufferSize
+ * NULL gives oruStsNullPointer. */
+ORUCV_API OruStatus oruiEigenValsVecsGetSize(int roiWidth, int apertureSize, int avgWindow, int* pBufferSize);
+ORUCV_API OruStatus oruiMinEigenValGetSize(int roiWidth, int apertureSize, int avgWindow, int* pBufferSize);
+ORUCV_API OruStatus oruiEigenValsVecs_8u32f_C1R(const Oru8u* pSrc, int srcStep, Oru32f* pEigenVV, int eigStep,
+                                                OruSize roiSize, int apertureSize, int avgWindow, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiEigenValsVecs_8s32f_C1R(const Oru8s* pSrc, int srcStep, Oru32f* pEigenVV, int eigStep,
+                                                OruSize roiSize, int apertureSize, int avgWindow, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiEigenValsVecs_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pEigenVV, int eigStep,
+                                              OruSize roiSize, int apertureSize, int avgWindow, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMinEigenVal_8u32f_C1R(const Oru8u* pSrc, int srcStep, Oru32f* pMinEigen, int minEigStep,
+                                              OruSize roiSize, int apertureSize, int avgWindow, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMinEigenVal_8s32f_C1R(const Oru8s* pSrc, int srcStep, Oru32f* pMinEigen, int minEigStep,
+                                              OruSize roiSize, int apertureSize, int avgWindow, Oru8u* pBuffer);
+ORUCV_API OruStatus oruiMinEigenVal_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pMinEigen, int minEigStep,
+                                            OruSize roiSize, int apertureSize, int avgWindow, Oru8u* pBuffer);
+
 /* ---- Image statistics ----------------------------------------------------- */
 /* Means, standard deviations, extrema with their locations and norms of one
  * channel: a one-channel image (C1) or the channel coi (1..3) of a

@@ -6,10 +6,22 @@
 #pragma once
 
 #include "absdiff_list.h"
+#include "accum_list.h"
+#include "canny_list.h"
+#include "eigen_list.h"
+#include "filter_list.h"
+#include "frame_list.h"
+#include "sobel3x3_list.h"
 #include "stats_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X) \
-    ORUCV_ABSDIFF_FUNCTIONS(X) \
+    ORUCV_ABSDIFF_FUNCTIONS(X)   \
+    ORUCV_FILTER_FUNCTIONS(X)    \
+    ORUCV_EIGEN_FUNCTIONS(X)     \
+    ORUCV_ACCUM_FUNCTIONS(X)     \
+    ORUCV_SOBEL3X3_FUNCTIONS(X)  \
+    ORUCV_CANNY_FUNCTIONS(X)     \
+    ORUCV_FRAME_FUNCTIONS(X)     \
     ORUCV_STATS_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared

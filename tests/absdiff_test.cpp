@@ -10,23 +10,13 @@
 
 #include "absdiff_list.h"
 #include "orucv.h"
+#include "support/bits.h"
 #include "support/image.h"
 #include "support/simd.h"
 
 using namespace orutest;
 
 namespace {
-
-uint32_t bits(float f) {
-    uint32_t b;
-    std::memcpy(&b, &f, 4);
-    return b;
-}
-float from_bits(uint32_t b) {
-    float f;
-    std::memcpy(&f, &b, 4);
-    return f;
-}
 
 // Reference model of the history update: order-preserving keys of the bit
 // patterns (a negative pattern becomes the complement of its magnitude).

@@ -6,10 +6,13 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <string>
 #include <type_traits>
 #include <vector>
 
+#include "accum_list.h"
 #include "orucv.h"
+#include "support/bits.h"
 #include "support/image.h"
 #include "support/simd.h"
 
@@ -19,7 +22,7 @@ namespace {
 
 enum class Op { Add, Square, Product, Weighted };
 
-// One call of any of the 23 functions; unused members are ignored.
+// One call of any function of the family; unused members are ignored.
 struct Call {
     const void* s1;
     int s1Step;
@@ -33,27 +36,32 @@ struct Call {
     Oru32f alpha;
 };
 
-template <class S, OruStatus (*F)(const S*, int, Oru32f*, int, OruSize)>
-OruStatus one(const Call& c) { return F(static_cast<const S*>(c.s1), c.s1Step, c.acc, c.accStep, c.roi); }
-template <class S, OruStatus (*F)(const S*, int, const Oru8u*, int, Oru32f*, int, OruSize)>
-OruStatus one_m(const Call& c) {
+// Call adapters by argument list: operation and masking.
+template <class S, auto F>
+OruStatus call_Add_false(const Call& c) { return F(static_cast<const S*>(c.s1), c.s1Step, c.acc, c.accStep, c.roi); }
+template <class S, auto F>
+OruStatus call_Add_true(const Call& c) {
     return F(static_cast<const S*>(c.s1), c.s1Step, c.mask, c.maskStep, c.acc, c.accStep, c.roi);
 }
-template <class S, OruStatus (*F)(const S*, int, const S*, int, Oru32f*, int, OruSize)>
-OruStatus two(const Call& c) {
+template <class S, auto F>
+OruStatus call_Product_false(const Call& c) {
     return F(static_cast<const S*>(c.s1), c.s1Step, static_cast<const S*>(c.s2), c.s2Step, c.acc, c.accStep, c.roi);
 }
-template <class S, OruStatus (*F)(const S*, int, const S*, int, const Oru8u*, int, Oru32f*, int, OruSize)>
-OruStatus two_m(const Call& c) {
+template <class S, auto F>
+OruStatus call_Product_true(const Call& c) {
     return F(static_cast<const S*>(c.s1), c.s1Step, static_cast<const S*>(c.s2), c.s2Step, c.mask, c.maskStep,
              c.acc, c.accStep, c.roi);
 }
-template <class S, OruStatus (*F)(const S*, int, Oru32f*, int, OruSize, Oru32f)>
-OruStatus wtd(const Call& c) { return F(static_cast<const S*>(c.s1), c.s1Step, c.acc, c.accStep, c.roi, c.alpha); }
-template <class S, OruStatus (*F)(const S*, int, const Oru8u*, int, Oru32f*, int, OruSize, Oru32f)>
-OruStatus wtd_m(const Call& c) {
+template <class S, auto F>
+OruStatus call_Weighted_false(const Call& c) {
+    return F(static_cast<const S*>(c.s1), c.s1Step, c.acc, c.accStep, c.roi, c.alpha);
+}
+template <class S, auto F>
+OruStatus call_Weighted_true(const Call& c) {
     return F(static_cast<const S*>(c.s1), c.s1Step, c.mask, c.maskStep, c.acc, c.accStep, c.roi, c.alpha);
 }
+#define call_Square_false call_Add_false
+#define call_Square_true call_Add_true
 
 struct Function {
     const char* name;
@@ -64,43 +72,9 @@ struct Function {
     OruStatus (*call)(const Call&);
 };
 
-#define ACCUM_FN(f, op, S, adapter, masked) Function{#f, Op::op, sizeof(S), std::is_same<S, Oru8s>::value, masked, adapter<S, f>}
-const Function kFunctions[] = {
-    ACCUM_FN(oruiAdd_8u32f_C1IR, Add, Oru8u, one, false),
-    ACCUM_FN(oruiAdd_8s32f_C1IR, Add, Oru8s, one, false),
-    ACCUM_FN(oruiAdd_8u32f_C1IMR, Add, Oru8u, one_m, true),
-    ACCUM_FN(oruiAdd_8s32f_C1IMR, Add, Oru8s, one_m, true),
-    ACCUM_FN(oruiAdd_32f_C1IMR, Add, Oru32f, one_m, true),
-    ACCUM_FN(oruiAddSquare_8u32f_C1IR, Square, Oru8u, one, false),
-    ACCUM_FN(oruiAddSquare_8s32f_C1IR, Square, Oru8s, one, false),
-    ACCUM_FN(oruiAddSquare_32f_C1IR, Square, Oru32f, one, false),
-    ACCUM_FN(oruiAddSquare_8u32f_C1IMR, Square, Oru8u, one_m, true),
-    ACCUM_FN(oruiAddSquare_8s32f_C1IMR, Square, Oru8s, one_m, true),
-    ACCUM_FN(oruiAddSquare_32f_C1IMR, Square, Oru32f, one_m, true),
-    ACCUM_FN(oruiAddProduct_8u32f_C1IR, Product, Oru8u, two, false),
-    ACCUM_FN(oruiAddProduct_8s32f_C1IR, Product, Oru8s, two, false),
-    ACCUM_FN(oruiAddProduct_32f_C1IR, Product, Oru32f, two, false),
-    ACCUM_FN(oruiAddProduct_8u32f_C1IMR, Product, Oru8u, two_m, true),
-    ACCUM_FN(oruiAddProduct_8s32f_C1IMR, Product, Oru8s, two_m, true),
-    ACCUM_FN(oruiAddProduct_32f_C1IMR, Product, Oru32f, two_m, true),
-    ACCUM_FN(oruiAddWeighted_8u32f_C1IR, Weighted, Oru8u, wtd, false),
-    ACCUM_FN(oruiAddWeighted_8s32f_C1IR, Weighted, Oru8s, wtd, false),
-    ACCUM_FN(oruiAddWeighted_32f_C1IR, Weighted, Oru32f, wtd, false),
-    ACCUM_FN(oruiAddWeighted_8u32f_C1IMR, Weighted, Oru8u, wtd_m, true),
-    ACCUM_FN(oruiAddWeighted_8s32f_C1IMR, Weighted, Oru8s, wtd_m, true),
-    ACCUM_FN(oruiAddWeighted_32f_C1IMR, Weighted, Oru32f, wtd_m, true),
-};
-
-uint32_t bits(float f) {
-    uint32_t b;
-    std::memcpy(&b, &f, 4);
-    return b;
-}
-float from_bits(uint32_t b) {
-    float f;
-    std::memcpy(&f, &b, 4);
-    return f;
-}
+#define ACCUM_FUNCTION(name, op, S, masked) \
+    Function{#name, Op::op, sizeof(S), std::is_same<S, Oru8s>::value, masked, call_##op##_##masked<S, name>},
+const Function kFunctions[] = {ORUCV_ACCUM_FUNCTIONS(ACCUM_FUNCTION)};
 
 const float kInf = std::numeric_limits<float>::infinity();
 const float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -147,6 +121,23 @@ struct Source {
 };
 
 }  // namespace
+
+// The list makes both the wrappers and this test's table, so its columns
+// are checked against what each name says.
+TEST(AccumList, ColumnsFollowTheNames) {
+    for (const Function& fn : kFunctions) {
+        const std::string name = fn.name;
+        SCOPED_TRACE(name);
+        auto has = [&](const char* part) { return name.find(part) != std::string::npos; };
+        EXPECT_EQ(fn.op, has("AddSquare_")    ? Op::Square
+                         : has("AddProduct_") ? Op::Product
+                         : has("AddWeighted_") ? Op::Weighted
+                                               : Op::Add);
+        EXPECT_EQ(fn.masked, has("_C1IMR"));
+        EXPECT_EQ(fn.bytes, has("_32f_") ? 4 : 1);
+        EXPECT_EQ(fn.is_signed, has("_8s32f_"));
+    }
+}
 
 // Order B: pointers, then sizes and every step (short or misaligned float
 // steps) as oruStsSize; a failed call writes nothing; empty regions succeed.

@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <cstring>
+#include <string>
 
+#include "frame_list.h"
 #include "orucv.h"
 #include "support/image.h"
 #include "support/simd.h"
@@ -81,8 +83,9 @@ TEST(Tables, ChannelAndMaskPatterns) {
     for (uint8_t b : _orcvAdd128_A6) EXPECT_EQ(b, 0x80);
 }
 
-// Channel copies: every kernel against direct indexing, on every path, with
-// guards around the destinations.
+namespace {
+
+// Images of one case: C planes, or one image of C interleaved channels.
 template <class T, int C>
 struct CopyCase {
     int width, height;
@@ -103,101 +106,107 @@ struct CopyCase {
     }
 };
 
-template <class T, int C, class ChannelFn, class SplitFn, class MergeFn>
-void check_copies(ChannelFn channel, SplitFn split, MergeFn merge) {
-    for (int width : {1, 2, 7, 8, 15, 16, 17, 31, 33, 47, 64, 70})
-        for (const Layout& layout : layouts_for(sizeof(T))) {
-            const CopyCase<T, C> cc{width, 3, layout};
-            const OruSize roi{width, 3};
-            const GuardedImage<T> src = cc.packed(width);
-            for (int coi = 0; coi < C; ++coi) {
-                expect_same_on_every_path([&] {
-                    GuardedImage<T> dst(width, 3, 1, layout.pad_bytes, layout.misalign_bytes);
-                    EXPECT_EQ(channel(src.data(), src.step(), dst.data(), dst.step(), roi, coi), oruStsOk);
-                    for (int y = 0; y < 3; ++y)
-                        for (int x = 0; x < width; ++x) EXPECT_EQ(dst.at(x, y), src.at(x, y, coi));
-                    EXPECT_TRUE(dst.guards_intact());
-                    return dst.region_bytes();
-                });
-            }
-            expect_same_on_every_path([&] {
-                auto planes = cc.planes(0);
-                split(src, planes, roi);
-                for (int c = 0; c < C; ++c) {
-                    EXPECT_TRUE(planes[c].guards_intact());
-                    for (int y = 0; y < 3; ++y)
-                        for (int x = 0; x < width; ++x) EXPECT_EQ(planes[c].at(x, y), src.at(x, y, c));
-                }
-                return planes[C - 1].region_bytes();
-            });
-            const auto planes = cc.planes(99);
-            expect_same_on_every_path([&] {
-                GuardedImage<T> dst = cc.packed(7);
-                merge(planes, dst, roi);
-                EXPECT_TRUE(dst.guards_intact());
-                for (int y = 0; y < 3; ++y)
-                    for (int x = 0; x < width; ++x)
-                        for (int c = 0; c < C; ++c) EXPECT_EQ(dst.at(x, y, c), planes[c].at(x, y));
-                return dst.region_bytes();
-            });
-        }
-}
-
 template <class T>
 using Planes = std::vector<GuardedImage<T>>;
 
-TEST(CopyKernels, ThreeChannels8u) {
-    check_copies<Oru8u, 3>(
-        a6_orcvCopy_8u_C3CC1R,
-        [](const GuardedImage<Oru8u>& s, Planes<Oru8u>& p, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_8u_C3P3R(s.data(), s.step(), p[0].data(), p[1].data(), p[2].data(), p[0].step(), r),
-                      oruStsOk);
-        },
-        [](const Planes<Oru8u>& p, GuardedImage<Oru8u>& d, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_8u_P3C3R(p[0].data(), p[1].data(), p[2].data(), p[0].step(), d.data(), d.step(), r),
-                      oruStsOk);
-        });
+// Widths around the vector sizes, every layout.
+template <class T, int C, class Check>
+void for_each_case(Check check) {
+    for (int width : {1, 2, 7, 8, 15, 16, 17, 31, 33, 47, 64, 70})
+        for (const Layout& layout : layouts_for(sizeof(T))) check(CopyCase<T, C>{width, 3, layout});
 }
 
-TEST(CopyKernels, FourChannels8u) {
-    check_copies<Oru8u, 4>(
-        a6_orcvCopy_8u_C4CC1R,
-        [](const GuardedImage<Oru8u>& s, Planes<Oru8u>& p, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_8u_C4P4R(s.data(), s.step(), p[0].data(), p[1].data(), p[2].data(), p[3].data(),
-                                           p[0].step(), r),
-                      oruStsOk);
-        },
-        [](const Planes<Oru8u>& p, GuardedImage<Oru8u>& d, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_8u_P4C4R(p[0].data(), p[1].data(), p[2].data(), p[3].data(), p[0].step(), d.data(),
-                                           d.step(), r),
-                      oruStsOk);
-        });
+// The argument lists: planes as three or four arguments.
+template <class T, int C, auto F>
+OruStatus split(const GuardedImage<T>& s, Planes<T>& p, OruSize r) {
+    if constexpr (C == 3) return F(s.data(), s.step(), p[0].data(), p[1].data(), p[2].data(), p[0].step(), r);
+    else return F(s.data(), s.step(), p[0].data(), p[1].data(), p[2].data(), p[3].data(), p[0].step(), r);
+}
+template <class T, int C, auto F>
+OruStatus merge(const Planes<T>& p, GuardedImage<T>& d, OruSize r) {
+    if constexpr (C == 3) return F(p[0].data(), p[1].data(), p[2].data(), p[0].step(), d.data(), d.step(), r);
+    else return F(p[0].data(), p[1].data(), p[2].data(), p[3].data(), p[0].step(), d.data(), d.step(), r);
 }
 
-TEST(CopyKernels, ThreeChannels32f) {
-    check_copies<Oru32f, 3>(
-        a6_orcvCopy_32f_C3CC1R,
-        [](const GuardedImage<Oru32f>& s, Planes<Oru32f>& p, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_32f_C3P3R(s.data(), s.step(), p[0].data(), p[1].data(), p[2].data(), p[0].step(), r),
-                      oruStsOk);
-        },
-        [](const Planes<Oru32f>& p, GuardedImage<Oru32f>& d, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_32f_P3C3R(p[0].data(), p[1].data(), p[2].data(), p[0].step(), d.data(), d.step(), r),
-                      oruStsOk);
-        });
+template <class T, int C, auto F>
+void check_Channel() {
+    for_each_case<T, C>([](const CopyCase<T, C>& cc) {
+        const OruSize roi{cc.width, cc.height};
+        const GuardedImage<T> src = cc.packed(cc.width);
+        for (int coi = 0; coi < C; ++coi) {
+            expect_same_on_every_path([&] {
+                GuardedImage<T> dst(cc.width, 3, 1, cc.layout.pad_bytes, cc.layout.misalign_bytes);
+                EXPECT_EQ(F(src.data(), src.step(), dst.data(), dst.step(), roi, coi), oruStsOk);
+                for (int y = 0; y < 3; ++y)
+                    for (int x = 0; x < cc.width; ++x) EXPECT_EQ(dst.at(x, y), src.at(x, y, coi));
+                EXPECT_TRUE(dst.guards_intact());
+                return dst.region_bytes();
+            });
+        }
+    });
 }
 
-TEST(CopyKernels, FourChannels32f) {
-    check_copies<Oru32f, 4>(
-        a6_orcvCopy_32f_C4CC1R,
-        [](const GuardedImage<Oru32f>& s, Planes<Oru32f>& p, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_32f_C4P4R(s.data(), s.step(), p[0].data(), p[1].data(), p[2].data(), p[3].data(),
-                                            p[0].step(), r),
-                      oruStsOk);
-        },
-        [](const Planes<Oru32f>& p, GuardedImage<Oru32f>& d, OruSize r) {
-            EXPECT_EQ(a6_orcvCopy_32f_P4C4R(p[0].data(), p[1].data(), p[2].data(), p[3].data(), p[0].step(), d.data(),
-                                            d.step(), r),
-                      oruStsOk);
+template <class T, int C, auto F>
+void check_Split() {
+    for_each_case<T, C>([](const CopyCase<T, C>& cc) {
+        const OruSize roi{cc.width, cc.height};
+        const GuardedImage<T> src = cc.packed(cc.width);
+        expect_same_on_every_path([&] {
+            auto planes = cc.planes(0);
+            EXPECT_EQ((split<T, C, F>(src, planes, roi)), oruStsOk);
+            for (int c = 0; c < C; ++c) {
+                EXPECT_TRUE(planes[c].guards_intact());
+                for (int y = 0; y < 3; ++y)
+                    for (int x = 0; x < cc.width; ++x) EXPECT_EQ(planes[c].at(x, y), src.at(x, y, c));
+            }
+            return planes[C - 1].region_bytes();
         });
+    });
+}
+
+template <class T, int C, auto F>
+void check_Merge() {
+    for_each_case<T, C>([](const CopyCase<T, C>& cc) {
+        const OruSize roi{cc.width, cc.height};
+        const auto planes = cc.planes(99);
+        expect_same_on_every_path([&] {
+            GuardedImage<T> dst = cc.packed(7);
+            EXPECT_EQ((merge<T, C, F>(planes, dst, roi)), oruStsOk);
+            EXPECT_TRUE(dst.guards_intact());
+            for (int y = 0; y < 3; ++y)
+                for (int x = 0; x < cc.width; ++x)
+                    for (int c = 0; c < C; ++c) EXPECT_EQ(dst.at(x, y, c), planes[c].at(x, y));
+            return dst.region_bytes();
+        });
+    });
+}
+
+struct Copy {
+    const char* name;
+    std::string layout;  // the descriptor the list's shape and channels give
+    void (*check)();
+};
+const std::string kLayout_Channel = "_C#CC1R", kLayout_Split = "_C#P#R", kLayout_Merge = "_P#C#R";
+std::string layout(std::string pattern, int channels, bool is_float) {
+    for (char& c : pattern)
+        if (c == '#') c = static_cast<char>('0' + channels);
+    return (is_float ? "_32f" : "_8u") + pattern;
+}
+#define COPY_FUNCTION(name, shape, T, C) \
+    Copy{#name, layout(kLayout_##shape, C, sizeof(T) == 4), check_##shape<T, C, name>},
+const Copy kCopies[] = {ORUCV_COPY_FUNCTIONS(COPY_FUNCTION)};
+
+}  // namespace
+
+// Every copy against direct indexing, on every path, with guards around the
+// destinations.
+TEST(CopyKernels, EveryCopyOnEveryPath) {
+    for (const Copy& copy : kCopies) {
+        SCOPED_TRACE(copy.name);
+        // The list makes both the copies and this table: its columns must
+        // say what the name says.
+        const std::string name = copy.name;
+        EXPECT_EQ(name.substr(name.find('_', 3)), copy.layout);
+        copy.check();
+    }
 }

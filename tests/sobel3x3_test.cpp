@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "orucv.h"
+#include "sobel3x3_list.h"
 #include "support/image.h"
 #include "support/simd.h"
 
@@ -33,30 +34,36 @@ struct Fn {
     Call call;
 };
 
-#define PLAIN(f, S, D, filter) \
-    {#f, S, filter, false, false, [](const void* s, int ss, void* d, int ds, OruSize r, int, int) { \
-         return f(static_cast<const D*>(s), ss, static_cast<std::conditional_t<S == Src::F32, Oru32f, Oru16s>*>(d), ds, r); }}
-#define ORIGIN(f, S, D, filter) \
-    {#f, S, filter, true, false, [](const void* s, int ss, void* d, int ds, OruSize r, int o, int) { \
-         return f(static_cast<const D*>(s), ss, static_cast<std::conditional_t<S == Src::F32, Oru32f, Oru16s>*>(d), ds, o, r); }}
-#define SHIFT(f, S, D, filter) \
-    {#f, S, filter, false, true, [](const void* s, int ss, void* d, int ds, OruSize r, int, int sh) { \
-         return f(static_cast<const D*>(s), ss, static_cast<std::conditional_t<S == Src::F32, Oru32f, Oru16s>*>(d), ds, r, sh); }}
-#define BOTH(f, S, D, filter) \
-    {#f, S, filter, true, true, [](const void* s, int ss, void* d, int ds, OruSize r, int o, int sh) { \
-         return f(static_cast<const D*>(s), ss, static_cast<std::conditional_t<S == Src::F32, Oru32f, Oru16s>*>(d), ds, o, r, sh); }}
+template <class S>
+constexpr Src kSrc = std::is_same<S, Oru8u>::value ? Src::U8 : std::is_same<S, Oru8s>::value ? Src::S8 : Src::F32;
+template <class S>
+using Dst = std::conditional_t<std::is_same<S, Oru32f>::value, Oru32f, Oru16s>;
 
-const Fn kFunctions[] = {
-    PLAIN(oruiSobel3x3_Dx_8u16s_C1R, Src::U8, Oru8u, Dx),     ORIGIN(oruiSobel3x3_Dy_8u16s_C1R, Src::U8, Oru8u, Dy),
-    PLAIN(oruiSobel3x3_D2x_8u16s_C1R, Src::U8, Oru8u, D2x),   PLAIN(oruiSobel3x3_D2y_8u16s_C1R, Src::U8, Oru8u, D2y),
-    ORIGIN(oruiSobel3x3_DxDy_8u16s_C1R, Src::U8, Oru8u, DxDy), PLAIN(oruiSobel3x3_Dx_8s16s_C1R, Src::S8, Oru8s, Dx),
-    ORIGIN(oruiSobel3x3_Dy_8s16s_C1R, Src::S8, Oru8s, Dy),    PLAIN(oruiSobel3x3_D2x_8s16s_C1R, Src::S8, Oru8s, D2x),
-    PLAIN(oruiSobel3x3_D2y_8s16s_C1R, Src::S8, Oru8s, D2y),   ORIGIN(oruiSobel3x3_DxDy_8s16s_C1R, Src::S8, Oru8s, DxDy),
-    PLAIN(oruiSobel3x3_Dx_32f_C1R, Src::F32, Oru32f, Dx),     ORIGIN(oruiSobel3x3_Dy_32f_C1R, Src::F32, Oru32f, Dy),
-    SHIFT(oruiScharr_Dx_8u16s_C1R, Src::U8, Oru8u, ScharrDx), BOTH(oruiScharr_Dy_8u16s_C1R, Src::U8, Oru8u, ScharrDy),
-    SHIFT(oruiScharr_Dx_8s16s_C1R, Src::S8, Oru8s, ScharrDx), BOTH(oruiScharr_Dy_8s16s_C1R, Src::S8, Oru8s, ScharrDy),
-    SHIFT(oruiScharr_Dx_32f_C1R, Src::F32, Oru32f, ScharrDx), BOTH(oruiScharr_Dy_32f_C1R, Src::F32, Oru32f, ScharrDy),
+// Call adapters by argument list.
+template <class S, auto F>
+OruStatus call_Plain(const void* s, int ss, void* d, int ds, OruSize r, int, int) {
+    return F(static_cast<const S*>(s), ss, static_cast<Dst<S>*>(d), ds, r);
+}
+template <class S, auto F>
+OruStatus call_Origin(const void* s, int ss, void* d, int ds, OruSize r, int o, int) {
+    return F(static_cast<const S*>(s), ss, static_cast<Dst<S>*>(d), ds, o, r);
+}
+template <class S, auto F>
+OruStatus call_Shift(const void* s, int ss, void* d, int ds, OruSize r, int, int sh) {
+    return F(static_cast<const S*>(s), ss, static_cast<Dst<S>*>(d), ds, r, sh);
+}
+template <class S, auto F>
+OruStatus call_OriginShift(const void* s, int ss, void* d, int ds, OruSize r, int o, int sh) {
+    return F(static_cast<const S*>(s), ss, static_cast<Dst<S>*>(d), ds, o, r, sh);
+}
+struct Arguments {
+    bool origin, shift;
 };
+constexpr Arguments kPlain{false, false}, kOrigin{true, false}, kShift{false, true}, kOriginShift{true, true};
+
+#define SOBEL3X3_FUNCTION(name, arguments, S, filter, steps) \
+    Fn{#name, kSrc<S>, filter, k##arguments.origin, k##arguments.shift, call_##arguments<S, name>},
+const Fn kFunctions[] = {ORUCV_SOBEL3X3_FUNCTIONS(SOBEL3X3_FUNCTION)};
 
 // ---- Reference model -------------------------------------------------------
 
@@ -204,6 +211,22 @@ void overlapping_rows(const Fn& fn, int origin, int shift) {
 }
 
 }  // namespace
+
+// ---- The list --------------------------------------------------------------
+
+// The list makes both the wrappers and this test's table, so its columns
+// are checked against what each name says.
+TEST(Sobel3x3List, ColumnsFollowTheNames) {
+    const char* const filter_part[] = {"Sobel3x3_Dx_", "Sobel3x3_Dy_",  "Sobel3x3_D2x_", "Sobel3x3_D2y_",
+                                       "Sobel3x3_DxDy_", "Scharr_Dx_", "Scharr_Dy_"};
+    const char* const src_part[] = {"_8u16s_", "_8s16s_", "_32f_"};
+    for (const Fn& fn : kFunctions) {
+        const std::string name = fn.name;
+        SCOPED_TRACE(name);
+        EXPECT_NE(name.find(filter_part[fn.filter]), std::string::npos);
+        EXPECT_NE(name.find(src_part[static_cast<int>(fn.src)]), std::string::npos);
+    }
+}
 
 // ---- Checks ----------------------------------------------------------------
 

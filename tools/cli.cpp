@@ -182,6 +182,12 @@ Args parse_args(const Command& command, int argc, const char* const* argv, bool*
             std::string value;
             if (!o->value) {
                 if (eq != std::string::npos) throw UsageError("option " + name + " takes no value");
+            } else if (o->value[0] == '[') {
+                // An optional number: --name, --name=V or --name V.
+                if (eq != std::string::npos) value = a.substr(eq + 1);
+                else if (i + 1 < argc && std::strlen(argv[i + 1]) > 0 &&
+                         std::strspn(argv[i + 1], "0123456789") == std::strlen(argv[i + 1]))
+                    value = argv[++i];
             } else if (eq != std::string::npos) {
                 value = a.substr(eq + 1);
             } else if (i + 1 < argc) {

@@ -28,7 +28,9 @@
 //   option whose value name starts with OUT).
 // - Options are `--name VALUE`, `--name=VALUE` or `--flag` (value name
 //   nullptr). A value name of words joined by '|' ("shift|scale") is the
-//   list of allowed values. `--` ends the options. Unknown options, stray
+//   list of allowed values; one in brackets ("[A]") is an optional number
+//   (`--dx`, `--dx 2`, `--dx=2`; get() is "" without it). `--` ends the
+//   options. Unknown options, stray
 //   arguments, repeated options and missing required options are errors.
 // - Common groups: kReads (--max-pixels, --drop-alpha) for commands that read
 //   images, kReads8 also --to8 for commands that need 8-bit pixels; kRepeat

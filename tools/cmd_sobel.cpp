@@ -66,7 +66,19 @@ void demo_sobel(DemoContext& demo) {
 }
 ORUCV_DEMO_STEP(20, "Sobel gradient magnitude", demo_sobel);
 
+}  // namespace
+
+int run_strip_sobel(const Args& args);  // the general filter (cmd_filter.cpp)
+
+namespace {
+
 int run_sobel(const Args& args) {
+    if (args.has("--size") || !args.get("--dx").empty() || !args.get("--dy").empty()) {
+        for (const Operator& op : kOperators)
+            if (args.has(op.flag) && op.flag != std::string("--dx") && op.flag != std::string("--dy"))
+                throw ToolError(std::string("--size and orders are for --dx and --dy, not ") + op.flag);
+        return run_strip_sobel(args);
+    }
     const Operator* chosen = nullptr;
     for (const Operator& op : kOperators) {
         if (!args.has(op.flag)) continue;
@@ -108,9 +120,10 @@ int run_sobel(const Args& args) {
     std::printf("%s: %dx%d, %s, %s%s\n", out_name.c_str(), d.width, d.height, chosen->function, t.text().c_str(), how);
     return 0;
 }
-ORUCV_COMMAND("sobel", "IN OUT", "3x3 Sobel or Scharr derivative of an image as gray", run_sobel, kReads8 | kRepeat,
-              {{"--dx", nullptr, "first derivative in x (the default)"},
-               {"--dy", nullptr, "first derivative in y"},
+ORUCV_COMMAND("sobel", "IN OUT", "Sobel or Scharr derivative of an image as gray", run_sobel, kReads8 | kRepeat,
+              {{"--dx", "[A]", "derivative in x (the default), of order A with the general filter"},
+               {"--dy", "[B]", "derivative in y, of order B with the general filter"},
+               {"--size", "N", "the general filter of size 3, 5 or 7, streamed in strips"},
                {"--d2x", nullptr, "second derivative in x"},
                {"--d2y", nullptr, "second derivative in y"},
                {"--dxdy", nullptr, "mixed second derivative"},
@@ -121,7 +134,11 @@ ORUCV_COMMAND("sobel", "IN OUT", "3x3 Sobel or Scharr derivative of an image as 
               "a PNG/PGM output is a picture of the magnitude scaled to 8 bits, or with --raw the values as\n"
               "16-bit samples: offset stores value + 32768 (0 is 32768), abs stores |value|.\n"
               "16-bit and float images take the float functions where they exist (--dx, --dy, --scharr-dx,\n"
-              "--scharr-dy); --to8 converts them for the 8-bit functions instead.");
+              "--scharr-dy); --to8 converts them for the 8-bit functions instead.\n"
+              "--size N, or an order after --dx or --dy, runs the general Sobel filter (orders 0..N-1, both\n"
+              "directions at once, default --dx 1) on gray 8-bit images a strip of 16 rows at a time, so\n"
+              "memory stays a few rows whatever the height; PNG/PGM outputs then hold value + 32768 as\n"
+              "16-bit samples (--raw abs: |value|).");
 
 }  // namespace
 }  // namespace orucv_tool

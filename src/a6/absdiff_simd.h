@@ -5,26 +5,11 @@
 #pragma once
 
 #include "a6/absdiff.h"
+#include "a6/loops.h"
 
 namespace orucv {
 namespace a6 {
 namespace {
-
-// Runs block(i) over [0, n) two vectors at a time, then one, and returns
-// where the vector part stopped.
-template <int kStep, class Block>
-inline int vector_blocks(int n, Block block) {
-    int i = 0;
-    for (; i + 2 * kStep <= n; i += 2 * kStep) {
-        block(i);
-        block(i + kStep);
-    }
-    if (i + kStep <= n) {
-        block(i);
-        i += kStep;
-    }
-    return i;
-}
 
 template <class V>
 struct AbsDiffRows {

@@ -6,18 +6,26 @@
 namespace orucv {
 namespace a6 {
 
-using scalar::row;
-const AccumKernels accum_kernels_scalar = ORUCV_ACCUM_TABLE();
+namespace {
+struct ScalarRows {
+    template <AccumOp op, class S, bool kMasked>
+    static void row(const void* src1, const void* src2, const uint8_t* mask, float* acc, int n, float alpha) {
+        scalar::accum_span<op, S, kMasked>(src1, src2, mask, acc, 0, n, alpha);
+    }
+};
+}  // namespace
+
+const AccumKernels accum_kernels_scalar = accum_table<ScalarRows>();
 
 const AccumKernels& accum_kernels() { return ORUCV_CHOOSE(accum_kernels); }
 
-int a6_orcvAccumulate(AccumKernel id, const AccumImage& im) {
-    const AccumRow row = accum_kernels().rows[id];
-    for (int y = 0; y < im.height; ++y)
-        row(row_at(static_cast<const char*>(im.src1), im.src1Step, y),
-            row_at(static_cast<const char*>(im.src2), im.src2Step, y), row_at(im.mask, im.maskStep, y),
-            row_at(im.acc, im.accStep, y), im.width, im.alpha);
-    return 0;
+void accumulate(AccumKernel id, Plane<const uint8_t> src1, Plane<const uint8_t> src2, Plane<const uint8_t> mask,
+                Plane<float> acc, OruSize roi, float alpha) {
+    const AccumRow row = accum_kernels().rows[static_cast<int>(id)];
+    auto row_with_alpha = [&](const uint8_t* s1, const uint8_t* s2, const uint8_t* m, float* a, int n) {
+        row(s1, s2, m, a, n, alpha);
+    };
+    for_each_row_joined(roi, row_with_alpha, src1, src2, mask, acc);
 }
 
 }  // namespace a6

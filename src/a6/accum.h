@@ -1,18 +1,13 @@
-// Row kernels of the running accumulators: sums, sums of squares, sums of
-// products and weighted running averages of 8u, 8s and 32f sources into a
-// float accumulator, unmasked and masked.
-//
-// One list names every kernel with its operation, source type and masking;
-// the kernel tables, the image-level kernel and the public functions are all
-// generated from it. The scalar twins are static inline so that every
-// translation unit (each compiled for its own instruction set) keeps its own
-// copy for row tails.
+// Running accumulators: the row kernels, one per function of accum_list.h,
+// their scalar twins and the engine that drives them over an image.
 #pragma once
 
 #include <cstdint>
-#include <cstring>
 #include <type_traits>
 
+#include "accum_list.h"
+#include "core/floats.h"
+#include "core/rows.h"
 #include "orucv.h"
 
 namespace orucv {
@@ -25,107 +20,48 @@ enum class AccumOp : int {
     Weighted,  // acc + (s - acc) * alpha
 };
 
-// X(name, operation, source type, masked), one line per public function.
-#define ORUCV_ACCUM_KERNELS(X)                         \
-    X(Add_8u32f_C1IR, Add, Oru8u, false)               \
-    X(Add_8s32f_C1IR, Add, Oru8s, false)               \
-    X(Add_32f_C1IMR, Add, Oru32f, true)                \
-    X(Add_8u32f_C1IMR, Add, Oru8u, true)               \
-    X(Add_8s32f_C1IMR, Add, Oru8s, true)               \
-    X(AddSquare_8u32f_C1IR, Square, Oru8u, false)      \
-    X(AddSquare_8s32f_C1IR, Square, Oru8s, false)      \
-    X(AddSquare_32f_C1IR, Square, Oru32f, false)       \
-    X(AddSquare_8u32f_C1IMR, Square, Oru8u, true)      \
-    X(AddSquare_8s32f_C1IMR, Square, Oru8s, true)      \
-    X(AddSquare_32f_C1IMR, Square, Oru32f, true)       \
-    X(AddProduct_8u32f_C1IR, Product, Oru8u, false)    \
-    X(AddProduct_8s32f_C1IR, Product, Oru8s, false)    \
-    X(AddProduct_32f_C1IR, Product, Oru32f, false)     \
-    X(AddProduct_8u32f_C1IMR, Product, Oru8u, true)    \
-    X(AddProduct_8s32f_C1IMR, Product, Oru8s, true)    \
-    X(AddProduct_32f_C1IMR, Product, Oru32f, true)     \
-    X(AddWeighted_8u32f_C1IR, Weighted, Oru8u, false)  \
-    X(AddWeighted_8s32f_C1IR, Weighted, Oru8s, false)  \
-    X(AddWeighted_32f_C1IR, Weighted, Oru32f, false)   \
-    X(AddWeighted_8u32f_C1IMR, Weighted, Oru8u, true)  \
-    X(AddWeighted_8s32f_C1IMR, Weighted, Oru8s, true)  \
-    X(AddWeighted_32f_C1IMR, Weighted, Oru32f, true)
-
-enum AccumKernel : int {
-#define ORUCV_ACCUM_ID(name, op, Src, masked) k##name,
-    ORUCV_ACCUM_KERNELS(ORUCV_ACCUM_ID)
+// The kernels, named after the functions of the list.
+enum class AccumKernel : int {
+#define ORUCV_ACCUM_ID(name, ...) name,
+    ORUCV_ACCUM_FUNCTIONS(ORUCV_ACCUM_ID)
 #undef ORUCV_ACCUM_ID
-    kAccumKernelCount
 };
+#define ORUCV_ACCUM_ONE(...) +1
+constexpr int kAccumKernelCount = 0 ORUCV_ACCUM_FUNCTIONS(ORUCV_ACCUM_ONE);
+#undef ORUCV_ACCUM_ONE
 
 // One row of n pixels. src2 is used by the products only, mask by the
-// masked kernels only, alpha by the weighted averages only; unused pointers
-// may be null.
+// masked kernels only, alpha by the weighted averages only.
 using AccumRow = void (*)(const void* src1, const void* src2, const uint8_t* mask, float* acc, int n, float alpha);
 
 struct AccumKernels {
-    AccumRow rows[kAccumKernelCount];
+    AccumRow rows[kAccumKernelCount];  // indexed by AccumKernel
 };
 
-// Builds a table from a row template `row<AccumOp, Src, bool masked>`, in
-// the order of the list.
-#define ORUCV_ACCUM_ROW_ENTRY(name, op, Src, masked) &row<::orucv::a6::AccumOp::op, Src, masked>,
-#define ORUCV_ACCUM_TABLE() {{ORUCV_ACCUM_KERNELS(ORUCV_ACCUM_ROW_ENTRY)}}
+// The table whose entry for each function of the list is
+// Rows::row<operation, source type, masked>, set by the function's name.
+template <class Rows>
+static constexpr AccumKernels accum_table() {
+    AccumKernels k{};
+#define ORUCV_ACCUM_ENTRY(name, op, S, masked) \
+    k.rows[static_cast<int>(AccumKernel::name)] = &Rows::template row<AccumOp::op, S, masked>;
+    ORUCV_ACCUM_FUNCTIONS(ORUCV_ACCUM_ENTRY)
+#undef ORUCV_ACCUM_ENTRY
+    return k;
+}
 
 extern const AccumKernels accum_kernels_scalar;
 extern const AccumKernels accum_kernels_sse2;
 extern const AccumKernels accum_kernels_avx2;
 const AccumKernels& accum_kernels();
 
-// An image-level call: rows top to bottom, each `...Step` bytes apart.
-struct AccumImage {
-    const void* src1;
-    int src1Step;
-    const void* src2;
-    int src2Step;
-    const uint8_t* mask;
-    int maskStep;
-    float* acc;
-    int accStep;
-    int width;
-    int height;
-    float alpha;
-};
-
-// Runs kernel `id` over the image. Arguments are trusted; returns 0.
-int a6_orcvAccumulate(AccumKernel id, const AccumImage& image);
+// Runs kernel `id` over the region; arguments are trusted. Sources are byte
+// planes whose pixels are `channels` bytes; the images a kernel does not
+// take may repeat the first source. Contiguous rows are walked as one.
+void accumulate(AccumKernel id, Plane<const uint8_t> src1, Plane<const uint8_t> src2, Plane<const uint8_t> mask,
+                Plane<float> acc, OruSize roi, float alpha);
 
 namespace scalar {
-
-// When both operands of an addition or multiplication are NaN, x86 returns
-// the first one (quieted). The compiler treats these operations as
-// commutative and may swap their operands, so on x86 they are pinned with
-// inline assembly: every path then returns the same NaN, the one of the
-// accumulator in acc + addend, and of the difference in difference * weight.
-#if defined(__AVX__) && defined(__GNUC__)
-static inline float add_first(float a, float b) {
-    float r;
-    __asm__("vaddss %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
-    return r;
-}
-static inline float mul_first(float a, float b) {
-    float r;
-    __asm__("vmulss %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
-    return r;
-}
-#elif defined(__SSE2__) && defined(__GNUC__)
-static inline float add_first(float a, float b) {
-    __asm__("addss %1, %0" : "+x"(a) : "x"(b));
-    return a;
-}
-static inline float mul_first(float a, float b) {
-    __asm__("mulss %1, %0" : "+x"(a) : "x"(b));
-    return a;
-}
-#else
-static inline float add_first(float a, float b) { return a + b; }
-static inline float mul_first(float a, float b) { return a * b; }
-#endif
 
 // 8-bit values are widened to int (zero- or sign-extended) and converted
 // exactly; float values pass unchanged.
@@ -134,13 +70,15 @@ static inline float to_float(int8_t v) { return static_cast<float>(static_cast<i
 static inline float to_float(float v) { return v; }
 
 // The addend of one pixel. Squares and products of 8-bit values are exact
-// integers (at most 65025 in magnitude) and so exact as floats.
+// integers (at most 65025 in magnitude) and so exact as floats. Of two NaN
+// operands the accumulator's comes out in acc + addend, and the
+// difference's in difference * weight: the operations are pinned.
 template <AccumOp op, class S>
 static inline float addend(S a, S b) {
     if constexpr (op == AccumOp::Add) {
         return to_float(a);
     } else if constexpr (std::is_same<S, float>::value) {
-        return op == AccumOp::Square ? a * a : mul_first(a, b);
+        return op == AccumOp::Square ? a * a : mul_pinned(a, b);
     } else {
         const int32_t p = op == AccumOp::Square ? int32_t(a) * int32_t(a) : int32_t(a) * int32_t(b);
         return static_cast<float>(p);
@@ -150,11 +88,7 @@ static inline float addend(S a, S b) {
 // v where the pixel is selected, +0.0 where not: a bitwise selection, so
 // that random masks cost no mispredicted branches.
 static inline float keep_if(bool selected, float v) {
-    uint32_t b;
-    std::memcpy(&b, &v, sizeof b);
-    b &= 0u - static_cast<uint32_t>(selected);
-    std::memcpy(&v, &b, sizeof v);
-    return v;
+    return bits_float(float_bits(v) & (0u - static_cast<uint32_t>(selected)));
 }
 
 // Pixels [from, to) of one row. An unselected pixel gets the addend +0.0
@@ -170,17 +104,12 @@ static inline void accum_span(const void* src1, const void* src2, const uint8_t*
         const bool selected = !kMasked || mask[i] != 0;
         const float a = acc[i];
         if constexpr (op == AccumOp::Weighted) {
-            acc[i] = add_first(a, mul_first(to_float(s1[i]) - a, keep_if(selected, alpha)));
+            acc[i] = add_pinned(a, mul_pinned(to_float(s1[i]) - a, keep_if(selected, alpha)));
         } else {
             const float add = addend<op>(s1[i], op == AccumOp::Product ? s2[i] : s1[i]);
-            acc[i] = add_first(a, keep_if(selected, add));
+            acc[i] = add_pinned(a, keep_if(selected, add));
         }
     }
-}
-
-template <AccumOp op, class S, bool kMasked>
-static inline void row(const void* src1, const void* src2, const uint8_t* mask, float* acc, int n, float alpha) {
-    accum_span<op, S, kMasked>(src1, src2, mask, acc, 0, n, alpha);
 }
 
 }  // namespace scalar

@@ -1,15 +1,22 @@
 #include "a6/canny.h"
 
 #include <climits>
-#include <cstring>
 
+#include "core/bytes.h"
 #include "core/cpu.h"
 #include "core/rows.h"
 
 namespace orucv {
 namespace a6 {
 
-const CannyKernels canny_kernels_scalar = {scalar::magnitude, scalar::suppress};
+namespace {
+struct ScalarRows {
+    static constexpr auto magnitude = scalar::magnitude;
+    static constexpr auto suppress = scalar::suppress;
+};
+}  // namespace
+
+const CannyKernels canny_kernels_scalar = canny_table<ScalarRows>();
 
 const CannyKernels& canny_kernels() { return ORUCV_CHOOSE(canny_kernels); }
 
@@ -21,20 +28,6 @@ long long canny_buffer_size(int width, int height) {
 namespace {
 
 uintptr_t align4(uintptr_t p) { return (p + 3) & ~uintptr_t(3); }
-
-// Zero bytes without a library call: the pattern is hidden from the
-// optimiser, so the loop is not recognised as memset (the library needs
-// nothing from libc but malloc, free and __assert_fail).
-void zero_bytes(void* dst, size_t n) {
-    uint64_t zero = 0;
-    __asm__("" : "+r"(zero));
-    uint8_t* p = static_cast<uint8_t*>(dst);
-    size_t i = 0;
-    for (; i + 8 <= n; i += 8) std::memcpy(p + i, &zero, 8);
-    if (n - i >= 4) std::memcpy(p + i, &zero, 4), i += 4;
-    if (n - i >= 2) std::memcpy(p + i, &zero, 2), i += 2;
-    if (n - i) p[i] = 0;
-}
 
 }  // namespace
 
@@ -152,12 +145,12 @@ bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t*
     int16_t* slots[3] = {scratch.ring, scratch.ring + pitch, scratch.ring + 2 * pitch};
     for (int16_t* s : slots) s[0] = s[width + 1] = 0;
     auto mag_row = [&](int y) { return slots[(y + 3) % 3] + 1; };
-    zero_bytes(mag_row(-1), sizeof(int16_t) * width);
+    fill_bytes(mag_row(-1), 0, sizeof(int16_t) * width);
 
     // The frame rows of the map; the frame columns are set row by row.
     static_assert(kCannyNone == 0, "the frame is zeroed");
-    zero_bytes(map, pitch);
-    zero_bytes(map + (height + 1) * pitch, pitch);
+    fill_bytes(map, 0, pitch);
+    fill_bytes(map + (height + 1) * pitch, 0, pitch);
 
     // The magnitude pass walks the x-derivative rows with the y-derivative
     // step and the y-derivative rows with the x-derivative step; the
@@ -169,7 +162,7 @@ bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t*
         if (y + 1 < height)
             k.magnitude(row_at(pSrcDx, srcDyStep, y + 1), row_at(pSrcDy, srcDxStep, y + 1), next, width);
         else
-            zero_bytes(next, sizeof(int16_t) * width);
+            fill_bytes(next, 0, sizeof(int16_t) * width);
         uint8_t* cells = map + (y + 1) * pitch;
         cells[0] = cells[width + 1] = kCannyNone;
         const CannySuppressRow row{row_at(pSrcDx, srcDxStep, y),
@@ -192,6 +185,14 @@ bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t*
     if (swept) sweep_edges(map, pitch, width, height, pDstEdges, dstEdgeStep);
     if (dstEdgeStep < width) rewrite_overlapping_rows(map, pitch, width, height, pDstEdges, dstEdgeStep);
     return swept;
+}
+
+void detect_edges(const int16_t* dx, int dxStep, const int16_t* dy, int dyStep, uint8_t* edges, int edgeStep,
+                  OruSize roi, int low, int high, uint8_t* buffer) {
+    const long long cells = (roi.width + 2LL) * (roi.height + 2LL);
+    const long long buffer_bytes = cells > LLONG_MAX / 12 ? LLONG_MAX : 12 * cells;
+    CannyScratch scratch = canny_scratch(buffer, buffer_bytes, roi.width, roi.height);
+    a6_orcvCanny_16s8u_C1R(dx, dxStep, dy, dyStep, edges, edgeStep, roi.width, roi.height, low, high, scratch);
 }
 
 }  // namespace a6

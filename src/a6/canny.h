@@ -27,6 +27,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "orucv.h"
+
 namespace orucv {
 namespace a6 {
 
@@ -75,6 +77,15 @@ struct CannyKernels {
     void (*suppress)(const CannySuppressRow& row);
 };
 
+// The table of a set of rows, Rows::magnitude and Rows::suppress, by name.
+template <class Rows>
+static constexpr CannyKernels canny_table() {
+    CannyKernels k{};
+    k.magnitude = Rows::magnitude;
+    k.suppress = Rows::suppress;
+    return k;
+}
+
 extern const CannyKernels canny_kernels_scalar;
 extern const CannyKernels canny_kernels_sse2;
 extern const CannyKernels canny_kernels_avx2;
@@ -91,9 +102,16 @@ struct CannyScratch {
 long long canny_buffer_size(int width, int height);
 CannyScratch canny_scratch(uint8_t* buffer, long long buffer_bytes, int width, int height);
 
-// The whole detector on trusted arguments; thresholds already truncated and
-// limited to 0..32767. Returns true when the stack ran short and sweeps
-// finished the hysteresis (results are the same either way).
+// The engine: the detector on trusted arguments with the caller's buffer of
+// canny_buffer_size bytes (sizes beyond an int, which cannot be queried, take
+// 12 bytes per framed cell too); thresholds already truncated and limited to
+// 0..32767.
+void detect_edges(const int16_t* dx, int dxStep, const int16_t* dy, int dyStep, uint8_t* edges, int edgeStep,
+                  OruSize roi, int low, int high, uint8_t* buffer);
+
+// The whole detector on a laid-out scratch. Returns true when the stack ran
+// short and sweeps finished the hysteresis (results are the same either
+// way).
 bool a6_orcvCanny_16s8u_C1R(const int16_t* pSrcDx, int srcDxStep, const int16_t* pSrcDy, int srcDyStep,
                             uint8_t* pDstEdges, int dstEdgeStep, int width, int height, int low, int high,
                             CannyScratch& scratch);

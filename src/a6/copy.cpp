@@ -1,120 +1,71 @@
-// Exported channel-copy kernels: no argument checks, width and height >= 1.
 #include "a6/copy.h"
+
+#include <cstddef>
+#include <utility>
 
 #include "core/cpu.h"
 #include "core/rows.h"
-#include "orucv.h"
 
 namespace orucv {
 namespace a6 {
 
-const CopyKernels copy_kernels_scalar = make_copy_kernels();
+const CopyKernels copy_kernels_scalar = copy_table();
 
 const CopyKernels& copy_kernels() { return ORUCV_CHOOSE(copy_kernels); }
 
-}  // namespace a6
-}  // namespace orucv
-
-using namespace orucv;
-
 namespace {
 
-template <class T, class Row>
-OruStatus copy_channel_rows(const T* src, int srcStep, T* dst, int dstStep, OruSize roi, int coi, Row row) {
-    for (int y = 0; y < roi.height; ++y) row(row_at(src, srcStep, y), row_at(dst, dstStep, y), roi.width, coi);
-    return oruStsOk;
+// The row of plane c, as the driver hands it over.
+template <class T, size_t c>
+using PlaneRow = T*;
+
+template <class T, int C, size_t... c>
+void split(CopySplitRow<T> row, Plane<const T> src, T* const (&planes)[C], int planeStep, OruSize roi,
+           std::index_sequence<c...>) {
+    auto rows = [&](const T* s, PlaneRow<T, c>... d, int n) {
+        T* const out[C] = {d...};
+        row(s, out, n);
+    };
+    for_each_row_joined(roi, rows, src, plane(planes[c], planeStep)...);
 }
 
-template <class T, int C, class Row>
-OruStatus split_rows(const T* src, int srcStep, T* const (&planes)[C], int dstStep, OruSize roi, Row row) {
-    for (int y = 0; y < roi.height; ++y) {
-        T* rows[C];
-        for (int c = 0; c < C; ++c) rows[c] = row_at(planes[c], dstStep, y);
-        row(row_at(src, srcStep, y), rows, roi.width);
-    }
-    return oruStsOk;
-}
-
-template <class T, int C, class Row>
-OruStatus merge_rows(const T* const (&planes)[C], int srcStep, T* dst, int dstStep, OruSize roi, Row row) {
-    for (int y = 0; y < roi.height; ++y) {
-        const T* rows[C];
-        for (int c = 0; c < C; ++c) rows[c] = row_at(planes[c], srcStep, y);
-        row(rows, row_at(dst, dstStep, y), roi.width);
-    }
-    return oruStsOk;
+template <class T, int C, size_t... c>
+void merge(CopyMergeRow<T> row, const T* const (&planes)[C], int planeStep, Plane<T> dst, OruSize roi,
+           std::index_sequence<c...>) {
+    auto rows = [&](PlaneRow<const T, c>... s, T* d, int n) {
+        const T* const in[C] = {s...};
+        row(in, d, n);
+    };
+    for_each_row_joined(roi, rows, plane(planes[c], planeStep)..., dst);
 }
 
 }  // namespace
 
-extern "C" {
-
-OruStatus a6_orcvCopy_8u_C3CC1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep, OruSize roiSize,
-                                int coi) {
-    return copy_channel_rows(pSrc, srcStep, pDst, dstStep, roiSize, coi, a6::copy_kernels().channel_8u_c3);
+template <class T, int C>
+void copy_channel(CopyChannelRow<T> row, const T* src, int srcStep, T* dst, int dstStep, OruSize roi, int coi) {
+    for_each_row_joined(
+        roi, [&](const T* s, T* d, int n) { row(s, d, n, coi); }, plane(src, srcStep, C), plane(dst, dstStep));
 }
 
-OruStatus a6_orcvCopy_8u_C4CC1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep, OruSize roiSize,
-                                int coi) {
-    return copy_channel_rows(pSrc, srcStep, pDst, dstStep, roiSize, coi, a6::copy_kernels().channel_8u_c4);
+template <class T, int C>
+void copy_split(CopySplitRow<T> row, const T* src, int srcStep, T* const (&planes)[C], int planeStep, OruSize roi) {
+    split(row, plane(src, srcStep, C), planes, planeStep, roi, std::make_index_sequence<C>());
 }
 
-OruStatus a6_orcvCopy_32f_C3CC1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, OruSize roiSize,
-                                 int coi) {
-    return copy_channel_rows(pSrc, srcStep, pDst, dstStep, roiSize, coi, a6::copy_kernels().channel_32f_c3);
+template <class T, int C>
+void copy_merge(CopyMergeRow<T> row, const T* const (&planes)[C], int planeStep, T* dst, int dstStep, OruSize roi) {
+    merge(row, planes, planeStep, plane(dst, dstStep, C), roi, std::make_index_sequence<C>());
 }
 
-OruStatus a6_orcvCopy_32f_C4CC1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep, OruSize roiSize,
-                                 int coi) {
-    return copy_channel_rows(pSrc, srcStep, pDst, dstStep, roiSize, coi, a6::copy_kernels().channel_32f_c4);
-}
+// The engines of the listed copies.
+#define ORUCV_COPY_ENGINE_Channel(T, C) \
+    template void copy_channel<T, C>(CopyChannelRow<T>, const T*, int, T*, int, OruSize, int);
+#define ORUCV_COPY_ENGINE_Split(T, C) \
+    template void copy_split<T, C>(CopySplitRow<T>, const T*, int, T* const (&)[C], int, OruSize);
+#define ORUCV_COPY_ENGINE_Merge(T, C) \
+    template void copy_merge<T, C>(CopyMergeRow<T>, const T* const (&)[C], int, T*, int, OruSize);
+#define ORUCV_COPY_ENGINE(name, shape, T, C) ORUCV_COPY_ENGINE_##shape(T, C)
+ORUCV_COPY_FUNCTIONS(ORUCV_COPY_ENGINE)
 
-OruStatus a6_orcvCopy_8u_C3P3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst0, Oru8u* pDst1, Oru8u* pDst2,
-                               int dstStep, OruSize roiSize) {
-    Oru8u* const planes[3] = {pDst0, pDst1, pDst2};
-    return split_rows(pSrc, srcStep, planes, dstStep, roiSize, a6::copy_kernels().split_8u_c3);
-}
-
-OruStatus a6_orcvCopy_8u_C4P4R(const Oru8u* pSrc, int srcStep, Oru8u* pDst0, Oru8u* pDst1, Oru8u* pDst2,
-                               Oru8u* pDst3, int dstStep, OruSize roiSize) {
-    Oru8u* const planes[4] = {pDst0, pDst1, pDst2, pDst3};
-    return split_rows(pSrc, srcStep, planes, dstStep, roiSize, a6::copy_kernels().split_8u_c4);
-}
-
-OruStatus a6_orcvCopy_32f_C3P3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst0, Oru32f* pDst1, Oru32f* pDst2,
-                                int dstStep, OruSize roiSize) {
-    Oru32f* const planes[3] = {pDst0, pDst1, pDst2};
-    return split_rows(pSrc, srcStep, planes, dstStep, roiSize, a6::copy_kernels().split_32f_c3);
-}
-
-OruStatus a6_orcvCopy_32f_C4P4R(const Oru32f* pSrc, int srcStep, Oru32f* pDst0, Oru32f* pDst1, Oru32f* pDst2,
-                                Oru32f* pDst3, int dstStep, OruSize roiSize) {
-    Oru32f* const planes[4] = {pDst0, pDst1, pDst2, pDst3};
-    return split_rows(pSrc, srcStep, planes, dstStep, roiSize, a6::copy_kernels().split_32f_c4);
-}
-
-OruStatus a6_orcvCopy_8u_P3C3R(const Oru8u* pSrc0, const Oru8u* pSrc1, const Oru8u* pSrc2, int srcStep,
-                               Oru8u* pDst, int dstStep, OruSize roiSize) {
-    const Oru8u* const planes[3] = {pSrc0, pSrc1, pSrc2};
-    return merge_rows(planes, srcStep, pDst, dstStep, roiSize, a6::copy_kernels().merge_8u_c3);
-}
-
-OruStatus a6_orcvCopy_8u_P4C4R(const Oru8u* pSrc0, const Oru8u* pSrc1, const Oru8u* pSrc2, const Oru8u* pSrc3,
-                               int srcStep, Oru8u* pDst, int dstStep, OruSize roiSize) {
-    const Oru8u* const planes[4] = {pSrc0, pSrc1, pSrc2, pSrc3};
-    return merge_rows(planes, srcStep, pDst, dstStep, roiSize, a6::copy_kernels().merge_8u_c4);
-}
-
-OruStatus a6_orcvCopy_32f_P3C3R(const Oru32f* pSrc0, const Oru32f* pSrc1, const Oru32f* pSrc2, int srcStep,
-                                Oru32f* pDst, int dstStep, OruSize roiSize) {
-    const Oru32f* const planes[3] = {pSrc0, pSrc1, pSrc2};
-    return merge_rows(planes, srcStep, pDst, dstStep, roiSize, a6::copy_kernels().merge_32f_c3);
-}
-
-OruStatus a6_orcvCopy_32f_P4C4R(const Oru32f* pSrc0, const Oru32f* pSrc1, const Oru32f* pSrc2,
-                                const Oru32f* pSrc3, int srcStep, Oru32f* pDst, int dstStep, OruSize roiSize) {
-    const Oru32f* const planes[4] = {pSrc0, pSrc1, pSrc2, pSrc3};
-    return merge_rows(planes, srcStep, pDst, dstStep, roiSize, a6::copy_kernels().merge_32f_c4);
-}
-
-}  // extern "C"
+}  // namespace a6
+}  // namespace orucv

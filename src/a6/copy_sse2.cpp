@@ -2,6 +2,6 @@
 
 namespace orucv {
 namespace a6 {
-const CopyKernels copy_kernels_sse2 = make_copy_kernels();
+const CopyKernels copy_kernels_sse2 = copy_table();
 }  // namespace a6
 }  // namespace orucv

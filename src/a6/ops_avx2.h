@@ -175,6 +175,119 @@ struct Avx2 {
         h = _mm_add_epi32(h, _mm_shuffle_epi32(h, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(h);
     }
+
+    // ---- Corner eigenvalues
+    static I load_widen4_s16(const int16_t* p) {
+        return _mm256_cvtepi16_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
+    }
+    static F sqrtf(F v) { return _mm256_sqrt_ps(v); }
+
+    // ---- General filters
+    // -v, the sign bit flipped (exact, as the scalar unary minus).
+    static F negf(F v) { return _mm256_xor_ps(v, _mm256_set1_ps(-0.0f)); }
+
+    // ---- Accumulators
+    static F addf_pinned(F a, F b) {
+        F r;
+        __asm__("vaddps %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
+        return r;
+    }
+    static F mulf_pinned(F a, F b) {
+        F r;
+        __asm__("vmulps %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
+        return r;
+    }
+    static F andnotf(F a, F b) { return _mm256_andnot_ps(a, b); }
+    static void widen32_u8(I x, I (&out)[4]) { widen32<false>(x, out); }
+    static void widen32_s8(I x, I (&out)[4]) { widen32<true>(x, out); }
+    static void mul_widen32_u8(I a, I b, I (&out)[4]) { mul_widen32<false>(a, b, out); }
+    static void mul_widen32_s8(I a, I b, I (&out)[4]) { mul_widen32<true>(a, b, out); }
+    static void mul_widen32_u8(I a, const uint8_t* b, I (&out)[4]) { mul_widen32<false>(a, b, out); }
+    static void mul_widen32_s8(I a, const int8_t* b, I (&out)[4]) { mul_widen32<true>(a, b, out); }
+    static void load_widen32_u8(const uint8_t* p, I (&out)[4]) { load_widen32<false>(p, out); }
+    static void load_widen32_s8(const int8_t* p, I (&out)[4]) { load_widen32<true>(p, out); }
+    static void load_mul_widen32_u8(const uint8_t* a, const uint8_t* b, I (&out)[4]) {
+        load_mul_widen32<false>(a, b, out);
+    }
+    static void load_mul_widen32_s8(const int8_t* a, const int8_t* b, I (&out)[4]) {
+        load_mul_widen32<true>(a, b, out);
+    }
+    // The eight bytes at the bottom of v into 32-bit lanes.
+    template <bool kSigned>
+    static I widen8_32(__m128i v) {
+        return kSigned ? _mm256_cvtepi8_epi32(v) : _mm256_cvtepu8_epi32(v);
+    }
+    template <bool kSigned>
+    static void widen32(I x, I (&out)[4]) {
+        const __m128i lo = low(x), hi = high(x);
+        out[0] = widen8_32<kSigned>(lo);
+        out[1] = widen8_32<kSigned>(_mm_unpackhi_epi64(lo, lo));
+        out[2] = widen8_32<kSigned>(hi);
+        out[3] = widen8_32<kSigned>(_mm_unpackhi_epi64(hi, hi));
+    }
+    // From memory, widening loads take the place of the shuffles.
+    template <bool kSigned>
+    static void load_widen32(const void* p, I (&out)[4]) {
+        for (int k = 0; k < 4; ++k)
+            out[k] = widen8_32<kSigned>(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(
+                static_cast<const uint8_t*>(p) + 8 * k)));
+    }
+    // Products in 32-bit lanes: they need no widening.
+    static void mullo32(const I (&x)[4], const I (&y)[4], I (&out)[4]) {
+        for (int k = 0; k < 4; ++k) out[k] = _mm256_mullo_epi32(x[k], y[k]);
+    }
+    template <bool kSigned>
+    static void mul_widen32(I a, I b, I (&out)[4]) {
+        I x[4], y[4];
+        widen32<kSigned>(a, x);
+        widen32<kSigned>(b, y);
+        mullo32(x, y, out);
+    }
+    template <bool kSigned>
+    static void mul_widen32(I a, const void* b, I (&out)[4]) {
+        I x[4], y[4];
+        widen32<kSigned>(a, x);
+        load_widen32<kSigned>(b, y);
+        mullo32(x, y, out);
+    }
+    template <bool kSigned>
+    static void load_mul_widen32(const void* a, const void* b, I (&out)[4]) {
+        I x[4], y[4];
+        load_widen32<kSigned>(a, x);
+        load_widen32<kSigned>(b, y);
+        mullo32(x, y, out);
+    }
+    static void load_eq0_mask32(const uint8_t* p, I (&out)[4]) {
+        load_widen32_u8(p, out);
+        for (int k = 0; k < 4; ++k) out[k] = cmpeq32(out[k], zero());
+    }
+
+    // ---- Fixed 3x3 derivatives
+    static I sra16(I v, int count) { return _mm256_sra_epi16(v, _mm_cvtsi32_si128(count)); }
+
+    static void load_widen16_u8(const uint8_t* p, I (&out)[2]) {
+        out[0] = load_widen_u8(p);
+        out[1] = load_widen_u8(p + kBytes / 2);
+    }
+    // Offset 0: sign extension from memory is as fast as it gets.
+    static void load_widen16_s8_offset(const int8_t* p, I (&out)[2]) {
+        out[0] = load_widen_s8(p);
+        out[1] = load_widen_s8(p + kBytes / 2);
+    }
+
+    // ---- Canny
+    static I adds_s16(I a, I b) { return _mm256_adds_epi16(a, b); }
+    static I subs_s16(I a, I b) { return _mm256_subs_epi16(a, b); }
+    // Unpack, madd and pack all work within 128-bit halves, so the lanes
+    // come back in their order.
+    static I madd2_sat16(I a, I b, int ka, int kb) {
+        const I k = set32(static_cast<int>((static_cast<uint32_t>(kb) << 16) | static_cast<uint16_t>(ka)));
+        return _mm256_packs_epi32(_mm256_madd_epi16(_mm256_unpacklo_epi16(a, b), k),
+                                  _mm256_madd_epi16(_mm256_unpackhi_epi16(a, b), k));
+    }
+    static I narrow_u8(I v) { return _mm256_zextsi128_si256(_mm_packus_epi16(low(v), high(v))); }
+    static I narrow_s8(I v) { return _mm256_zextsi128_si256(_mm_packs_epi16(low(v), high(v))); }
+
     // ---- Statistics: channel 0 of three, magnitudes, 32-bit extremes,
     //      horizontal extremes, doubles (see ops_sse2.h)
     // Each 128-bit half gathers channel 0 of 16 pixels (48 bytes) from

@@ -188,6 +188,114 @@ struct Sse2 {
         v = _mm_add_epi32(v, _mm_shuffle_epi32(v, _MM_SHUFFLE(1, 1, 1, 1)));
         return _mm_cvtsi128_si32(v);
     }
+
+    // ---- Corner eigenvalues
+    // kFloats 16-bit samples from memory into 32-bit lanes, sign extended.
+    static I load_widen4_s16(const int16_t* p) {
+        const I x = load_half(p);
+        return _mm_srai_epi32(_mm_unpacklo_epi16(x, x), 16);
+    }
+    static F sqrtf(F v) { return _mm_sqrt_ps(v); }
+
+    // ---- General filters
+    // -v, the sign bit flipped (exact, as the scalar unary minus).
+    static F negf(F v) { return _mm_xor_ps(v, _mm_set1_ps(-0.0f)); }
+
+    // ---- Accumulators
+    // a + b and a * b with the operands kept in this order, so that of two
+    // NaN operands a's comes out (quieted); the compiler may commute addf and
+    // mulf, not these. Scalar twins: add_pinned, mul_pinned (core/floats.h).
+    static F addf_pinned(F a, F b) {
+        __asm__("addps %1, %0" : "+x"(a) : "x"(b));
+        return a;
+    }
+    static F mulf_pinned(F a, F b) {
+        __asm__("mulps %1, %0" : "+x"(a) : "x"(b));
+        return a;
+    }
+    static F andnotf(F a, F b) { return _mm_andnot_ps(a, b); }  // ~a & b
+    // kBytes bytes into four vectors of 32-bit lanes, in order.
+    static void widen32_u8(I x, I (&out)[4]) {
+        I lo, hi;
+        widen_u8(x, lo, hi);
+        widen_u16(lo, out[0], out[1]);
+        widen_u16(hi, out[2], out[3]);
+    }
+    static void widen32_s8(I x, I (&out)[4]) {
+        const I lo = _mm_unpacklo_epi8(x, x), hi = _mm_unpackhi_epi8(x, x);
+        out[0] = _mm_srai_epi32(_mm_unpacklo_epi16(lo, lo), 24);
+        out[1] = _mm_srai_epi32(_mm_unpackhi_epi16(lo, lo), 24);
+        out[2] = _mm_srai_epi32(_mm_unpacklo_epi16(hi, hi), 24);
+        out[3] = _mm_srai_epi32(_mm_unpackhi_epi16(hi, hi), 24);
+    }
+    // Products of kBytes pairs of unsigned or signed bytes, exact, in four
+    // vectors of 32-bit lanes, in order.
+    static void mul_widen32_u8(I a, I b, I (&out)[4]) {
+        I a0, a1, b0, b1;
+        widen_u8(a, a0, a1);
+        widen_u8(b, b0, b1);
+        widen_u16(mullo16(a0, b0), out[0], out[1]);  // at most 65025: unsigned
+        widen_u16(mullo16(a1, b1), out[2], out[3]);
+    }
+    static void mul_widen32_s8(I a, I b, I (&out)[4]) {
+        I a0, a1, b0, b1;
+        widen_s8(a, a0, a1);
+        widen_s8(b, b0, b1);
+        widen_s16(mullo16(a0, b0), out[0], out[1]);
+        widen_s16(mullo16(a1, b1), out[2], out[3]);
+    }
+    // The same with b from memory.
+    static void mul_widen32_u8(I a, const uint8_t* b, I (&out)[4]) { mul_widen32_u8(a, load(b), out); }
+    static void mul_widen32_s8(I a, const int8_t* b, I (&out)[4]) { mul_widen32_s8(a, load(b), out); }
+    // The same from memory.
+    static void load_widen32_u8(const uint8_t* p, I (&out)[4]) { widen32_u8(load(p), out); }
+    static void load_widen32_s8(const int8_t* p, I (&out)[4]) { widen32_s8(load(p), out); }
+    static void load_mul_widen32_u8(const uint8_t* a, const uint8_t* b, I (&out)[4]) {
+        mul_widen32_u8(load(a), load(b), out);
+    }
+    static void load_mul_widen32_s8(const int8_t* a, const int8_t* b, I (&out)[4]) {
+        mul_widen32_s8(load(a), load(b), out);
+    }
+    // kBytes mask bytes from memory as four vectors of 32-bit lane masks,
+    // in order: all ones where the byte is 0, else all zeros.
+    static void load_eq0_mask32(const uint8_t* p, I (&out)[4]) {
+        const I x = cmpeq8(load(p), zero());
+        const I lo = _mm_unpacklo_epi8(x, x), hi = _mm_unpackhi_epi8(x, x);
+        out[0] = _mm_unpacklo_epi16(lo, lo);
+        out[1] = _mm_unpackhi_epi16(lo, lo);
+        out[2] = _mm_unpacklo_epi16(hi, hi);
+        out[3] = _mm_unpackhi_epi16(hi, hi);
+    }
+
+    // ---- Fixed 3x3 derivatives
+    // Arithmetic right shift of 16-bit lanes by a count known at run time
+    // (counts from 16 on give 0 or -1).
+    static I sra16(I v, int count) { return _mm_sra_epi16(v, _mm_cvtsi32_si128(count)); }
+
+    // kBytes bytes from memory into two vectors of 16-bit lanes, in order.
+    static void load_widen16_u8(const uint8_t* p, I (&out)[2]) { widen_u8(load(p), out[0], out[1]); }
+    // Signed bytes the same way, offset by a constant of the set's choosing
+    // (here 128, the bytes moved to the unsigned range, which widen fastest):
+    // for sums whose weights add up to zero, where the offset cancels.
+    static void load_widen16_s8_offset(const int8_t* p, I (&out)[2]) {
+        widen_u8(xor_(load(p), set8(0x80)), out[0], out[1]);
+    }
+
+    // ---- Canny
+    static I adds_s16(I a, I b) { return _mm_adds_epi16(a, b); }
+    static I subs_s16(I a, I b) { return _mm_subs_epi16(a, b); }
+    // ka * a + kb * b in every 16-bit lane, formed in 32 bits and saturated
+    // back to 16 (ka, kb 16-bit constants).
+    static I madd2_sat16(I a, I b, int ka, int kb) {
+        const I k = set32(static_cast<int>((static_cast<uint32_t>(kb) << 16) | static_cast<uint16_t>(ka)));
+        return _mm_packs_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(a, b), k),
+                               _mm_madd_epi16(_mm_unpackhi_epi16(a, b), k));
+    }
+    // 16-bit lanes narrowed to bytes with unsigned or signed saturation: the
+    // kBytes / 2 bytes in the low half, in order, the high half zero.
+    static I narrow_u8(I v) { return _mm_packus_epi16(v, zero()); }
+    static I narrow_s8(I v) { return _mm_packs_epi16(v, zero()); }
+
     // ---- Statistics: channel 0 of three, magnitudes, 32-bit extremes,
     //      horizontal extremes, doubles
     // Channel 0 of kBytes three-channel pixels: reads exactly 3 * kBytes bytes.

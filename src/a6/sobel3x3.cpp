@@ -8,22 +8,26 @@
 namespace orucv {
 namespace a6 {
 
-const Sobel3x3Kernels sobel3x3_kernels_scalar = {
-    scalar::row_int<KernelDx, uint8_t>,       scalar::row_int<KernelDy, uint8_t>,
-    scalar::row_int<KernelD2x, uint8_t>,      scalar::row_int<KernelD2y, uint8_t>,
-    scalar::row_int<KernelDxDy, uint8_t>,     scalar::row_int<KernelScharrDx, uint8_t>,
-    scalar::row_int<KernelScharrDy, uint8_t>, scalar::row_int<KernelDx, int8_t>,
-    scalar::row_int<KernelDy, int8_t>,        scalar::row_int<KernelD2x, int8_t>,
-    scalar::row_int<KernelD2y, int8_t>,       scalar::row_int<KernelDxDy, int8_t>,
-    scalar::row_int<KernelScharrDx, int8_t>,  scalar::row_int<KernelScharrDy, int8_t>,
-    scalar::row_int_pair<KernelDx, uint8_t>,  scalar::row_int_pair<KernelD2x, uint8_t>,
-    scalar::row_int_pair<KernelD2y, uint8_t>, scalar::row_int_pair<KernelScharrDx, uint8_t>,
-    scalar::row_int_pair<KernelDx, int8_t>,   scalar::row_int_pair<KernelD2x, int8_t>,
-    scalar::row_int_pair<KernelD2y, int8_t>,  scalar::row_int_pair<KernelScharrDx, int8_t>,
-    scalar::dx3_32f,                          scalar::dx3x2_32f,
-    scalar::dx2_32f,
-    scalar::dy_32f,                           scalar::dy4_32f,
+namespace {
+struct ScalarRows {
+    template <class K, class S>
+    static void row(const S* up, const S* mid, const S* down, int16_t* dst, int width, int count) {
+        scalar::row_int<K>(up, mid, down, dst, width, count);
+    }
+    template <class K, class S>
+    static void pair(const S* r0, const S* r1, const S* r2, const S* r3, int16_t* d0, int16_t* d1, int width,
+                     int count) {
+        scalar::row_int_pair<K>(r0, r1, r2, r3, d0, d1, width, count);
+    }
+    static constexpr RowDx3_32f dx3_32f = scalar::dx3_32f;
+    static constexpr RowDx3x2_32f dx3x2_32f = scalar::dx3x2_32f;
+    static constexpr RowDx2_32f dx2_32f = scalar::dx2_32f;
+    static constexpr RowDy32f dy_32f = scalar::dy_32f;
+    static constexpr RowDy4_32f dy4_32f = scalar::dy4_32f;
 };
+}  // namespace
+
+const Sobel3x3Kernels sobel3x3_kernels_scalar = sobel3x3_table<ScalarRows>();
 
 const Sobel3x3Kernels& sobel3x3_kernels() { return ORUCV_CHOOSE(sobel3x3_kernels); }
 
@@ -65,34 +69,17 @@ void int_image(Row row, Pair pair, const S* src, int srcStep, int16_t* dst, int 
     for (; y < height; ++y) one_row(y);
 }
 
-}  // namespace
-
-void a6_orcvFilter3x3_8u16s_C1R(IntFilter filter, const uint8_t* src, int srcStep, int16_t* dst, int dstStep,
-                                int width, int height, bool flip, int shift) {
-    const Sobel3x3Kernels& k = sobel3x3_kernels();
-    const Row8u rows[7] = {k.dx_8u, k.dy_8u, k.d2x_8u, k.d2y_8u, k.dxdy_8u, k.scharr_dx_8u, k.scharr_dy_8u};
-    const Pair8u pairs[7] = {k.pair_dx_8u, nullptr, k.pair_d2x_8u, k.pair_d2y_8u, nullptr, k.pair_scharr_dx_8u,
-                             nullptr};
+template <class S, class Row, class Pair>
+void int_filter(const Row (&rows)[kFilter3x3Count], const Pair (&pairs)[kFilter3x3Count], Filter3x3 filter,
+                const S* src, int srcStep, int16_t* dst, int dstStep, OruSize roi, bool flip, int shift) {
     const int i = static_cast<int>(filter);
-    const bool pair = !flip && rows_apart(dstStep, width, 2);
-    int_image(rows[i], pair ? pairs[i] : nullptr, src, srcStep, dst, dstStep, width, height, flip, shift);
-}
-
-void a6_orcvFilter3x3_8s16s_C1R(IntFilter filter, const int8_t* src, int srcStep, int16_t* dst, int dstStep,
-                                int width, int height, bool flip, int shift) {
-    const Sobel3x3Kernels& k = sobel3x3_kernels();
-    const Row8s rows[7] = {k.dx_8s, k.dy_8s, k.d2x_8s, k.d2y_8s, k.dxdy_8s, k.scharr_dx_8s, k.scharr_dy_8s};
-    const Pair8s pairs[7] = {k.pair_dx_8s, nullptr, k.pair_d2x_8s, k.pair_d2y_8s, nullptr, k.pair_scharr_dx_8s,
-                             nullptr};
-    const int i = static_cast<int>(filter);
-    const bool pair = !flip && rows_apart(dstStep, width, 2);
-    int_image(rows[i], pair ? pairs[i] : nullptr, src, srcStep, dst, dstStep, width, height, flip, shift);
+    const bool pair = !flip && rows_apart(dstStep, roi.width, 2);
+    int_image(rows[i], pair ? pairs[i] : nullptr, src, srcStep, dst, dstStep, roi.width, roi.height, flip, shift);
 }
 
 // Interior rows weigh the differences of three rows; the first and last rows
 // weigh two, with the replicated row's weights collapsed into one.
-void a6_orcvDx3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep, int width, int height,
-                          const Weights32f& w) {
+void dx_32f(const float* src, int srcStep, float* dst, int dstStep, int width, int height, const Weights32f& w) {
     const Sobel3x3Kernels& k = sobel3x3_kernels();
     k.dx2_32f(src, row_at(src, srcStep, 1), dst, width, w.big, w.small);
     // Interior rows in pairs: each source row's differences serve both.
@@ -107,8 +94,8 @@ void a6_orcvDx3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep
               width, w.small, w.big);
 }
 
-void a6_orcvDy3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep, int width, int height, bool flip,
-                          const Weights32f& w) {
+void dy_32f(const float* src, int srcStep, float* dst, int dstStep, int width, int height, bool flip,
+            const Weights32f& w) {
     const Sobel3x3Kernels& k = sobel3x3_kernels();
     auto one_row = [&](int y) {
         const float* up = row_at(src, srcStep, y > 0 ? y - 1 : 0);
@@ -124,14 +111,38 @@ void a6_orcvDy3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep
     for (; y < height; ++y) one_row(y);
 }
 
-Weights32f sobel_weights_32f() { return Weights32f{1.0f, 2.0f, 1.0f, 3.0f, 1.0f}; }
-
+// Scharr weights for a shift count >= 0: k = 1 / 2^shift, 2^shift formed by
+// repeated doubling of 1.0f (infinite from 128 on, so k becomes 0).
 Weights32f scharr_weights_32f(int shift) {
     float scale = 1.0f;
     // Once infinite, further doublings change nothing.
     for (int i = 0; i < shift && scale <= FLT_MAX; ++i) scale += scale;
     const float k = 1.0f / scale;
     return Weights32f{3.0f * k, 10.0f * k, 3.0f * k, 13.0f * k, 3.0f * k};
+}
+
+}  // namespace
+
+void filter_3x3(Filter3x3 filter, const uint8_t* src, int srcStep, int16_t* dst, int dstStep, OruSize roi,
+                bool flip, int shift) {
+    const Sobel3x3Kernels& k = sobel3x3_kernels();
+    int_filter(k.row_8u, k.pair_8u, filter, src, srcStep, dst, dstStep, roi, flip, shift);
+}
+
+void filter_3x3(Filter3x3 filter, const int8_t* src, int srcStep, int16_t* dst, int dstStep, OruSize roi,
+                bool flip, int shift) {
+    const Sobel3x3Kernels& k = sobel3x3_kernels();
+    int_filter(k.row_8s, k.pair_8s, filter, src, srcStep, dst, dstStep, roi, flip, shift);
+}
+
+void filter_3x3(Filter3x3 filter, const float* src, int srcStep, float* dst, int dstStep, OruSize roi, bool flip,
+                int shift) {
+    const bool scharr = filter == Filter3x3::ScharrDx || filter == Filter3x3::ScharrDy;
+    const Weights32f w = scharr ? scharr_weights_32f(shift) : Weights32f{1.0f, 2.0f, 1.0f, 3.0f, 1.0f};
+    if (filter == Filter3x3::Dx || filter == Filter3x3::ScharrDx)
+        dx_32f(src, srcStep, dst, dstStep, roi.width, roi.height, w);
+    else
+        dy_32f(src, srcStep, dst, dstStep, roi.width, roi.height, flip, w);
 }
 
 }  // namespace a6

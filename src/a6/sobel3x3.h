@@ -27,12 +27,16 @@
 //
 // The scalar twins are static inline so that every translation unit (each
 // compiled for its own instruction set) keeps its own copy for row edges.
+// NaN results are stored as the one quiet NaN (canonical_nan, core/floats.h):
+// which payload a sum of two NaNs keeps depends on the operand order, which
+// the compiler chooses.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
-#include <type_traits>
+
+#include "core/floats.h"
+#include "core/rows.h"
+#include "orucv.h"
 
 namespace orucv {
 namespace a6 {
@@ -46,22 +50,35 @@ struct Kernel3x3 {
     static constexpr bool shifted = Shifted;
     // Horizontal pass first when it is a difference: fewer operations.
     static constexpr bool rows_first = H0 == -H2 && H1 == 0;
+    // Kernels that weigh three rows have a form for two output rows, in
+    // which each source row's horizontal term serves both.
+    static constexpr bool pairs = V1 != 0;
     static_assert((V0 + V1 + V2) * (H0 + H1 + H2) == 0, "derivative kernels sum to zero");
 };
 
-using KernelDx = Kernel3x3<1, 2, 1, -1, 0, 1>;
-using KernelDy = Kernel3x3<-1, 0, 1, 1, 2, 1>;
-using KernelD2x = Kernel3x3<1, 2, 1, 1, -2, 1>;
-using KernelD2y = Kernel3x3<1, -2, 1, 1, 2, 1>;
-using KernelDxDy = Kernel3x3<-1, 0, 1, -1, 0, 1>;
-using KernelScharrDx = Kernel3x3<3, 10, 3, -1, 0, 1, true>;
-using KernelScharrDy = Kernel3x3<-1, 0, 1, 3, 10, 3, true>;
+// The filters: X(name, vertical weights, horizontal weights, shifted). Each
+// has a kernel type Kernel<name> and an entry Filter3x3::<name>.
+#define ORUCV_SOBEL3X3_FILTERS(X)          \
+    X(Dx, 1, 2, 1, -1, 0, 1, false)        \
+    X(Dy, -1, 0, 1, 1, 2, 1, false)        \
+    X(D2x, 1, 2, 1, 1, -2, 1, false)       \
+    X(D2y, 1, -2, 1, 1, 2, 1, false)       \
+    X(DxDy, -1, 0, 1, -1, 0, 1, false)     \
+    X(ScharrDx, 3, 10, 3, -1, 0, 1, true)  \
+    X(ScharrDy, -1, 0, 1, 3, 10, 3, true)
 
-// Width from which the integer SIMD rows run their vector loop (16 pixels
-// per block plus the two edge columns); narrower rows use the scalar twin.
-constexpr int kIntSimdMinWidth = 18;
-// Same for float rows (8 pixels per block).
-constexpr int kFloatSimdMinWidth = 10;
+#define ORUCV_SOBEL3X3_KERNEL(name, ...) using Kernel##name = Kernel3x3<__VA_ARGS__>;
+ORUCV_SOBEL3X3_FILTERS(ORUCV_SOBEL3X3_KERNEL)
+#undef ORUCV_SOBEL3X3_KERNEL
+
+enum class Filter3x3 : int {
+#define ORUCV_SOBEL3X3_ID(name, ...) name,
+    ORUCV_SOBEL3X3_FILTERS(ORUCV_SOBEL3X3_ID)
+#undef ORUCV_SOBEL3X3_ID
+};
+#define ORUCV_SOBEL3X3_ONE(...) +1
+constexpr int kFilter3x3Count = 0 ORUCV_SOBEL3X3_FILTERS(ORUCV_SOBEL3X3_ONE);
+#undef ORUCV_SOBEL3X3_ONE
 
 // The Scharr shift count as applied: the unshifted sums stay below 2^13 in
 // magnitude, so any count from 15 on gives the same 0 or -1 as 15.
@@ -102,10 +119,12 @@ typedef void (*RowDy4_32f)(const float* first, int srcStep, float* dst, int dstS
                            const Weights32f& w);
 
 struct Sobel3x3Kernels {
-    Row8u dx_8u, dy_8u, d2x_8u, d2y_8u, dxdy_8u, scharr_dx_8u, scharr_dy_8u;
-    Row8s dx_8s, dy_8s, d2x_8s, d2y_8s, dxdy_8s, scharr_dx_8s, scharr_dy_8s;
-    Pair8u pair_dx_8u, pair_d2x_8u, pair_d2y_8u, pair_scharr_dx_8u;
-    Pair8s pair_dx_8s, pair_d2x_8s, pair_d2y_8s, pair_scharr_dx_8s;
+    // Integer rows, indexed by Filter3x3; pair forms of the kernels that
+    // weigh three rows, null for the others.
+    Row8u row_8u[kFilter3x3Count];
+    Row8s row_8s[kFilter3x3Count];
+    Pair8u pair_8u[kFilter3x3Count];
+    Pair8s pair_8s[kFilter3x3Count];
     RowDx3_32f dx3_32f;
     RowDx3x2_32f dx3x2_32f;
     RowDx2_32f dx2_32f;
@@ -113,36 +132,44 @@ struct Sobel3x3Kernels {
     RowDy4_32f dy4_32f;
 };
 
+// The table of a set of rows: Rows::row<Kernel, S> and Rows::pair<Kernel, S>
+// for every filter and source type, and the float rows, set by name.
+template <class Rows>
+static constexpr Sobel3x3Kernels sobel3x3_table() {
+    Sobel3x3Kernels k{};
+#define ORUCV_SOBEL3X3_ENTRY(name, ...)                                                  \
+    k.row_8u[static_cast<int>(Filter3x3::name)] = Rows::template row<Kernel##name, uint8_t>; \
+    k.row_8s[static_cast<int>(Filter3x3::name)] = Rows::template row<Kernel##name, int8_t>;  \
+    if constexpr (Kernel##name::pairs) {                                                  \
+        k.pair_8u[static_cast<int>(Filter3x3::name)] = Rows::template pair<Kernel##name, uint8_t>; \
+        k.pair_8s[static_cast<int>(Filter3x3::name)] = Rows::template pair<Kernel##name, int8_t>;  \
+    }
+    ORUCV_SOBEL3X3_FILTERS(ORUCV_SOBEL3X3_ENTRY)
+#undef ORUCV_SOBEL3X3_ENTRY
+    k.dx3_32f = Rows::dx3_32f;
+    k.dx3x2_32f = Rows::dx3x2_32f;
+    k.dx2_32f = Rows::dx2_32f;
+    k.dy_32f = Rows::dy_32f;
+    k.dy4_32f = Rows::dy4_32f;
+    return k;
+}
+
 extern const Sobel3x3Kernels sobel3x3_kernels_scalar;
 extern const Sobel3x3Kernels sobel3x3_kernels_sse2;
 extern const Sobel3x3Kernels sobel3x3_kernels_avx2;
 const Sobel3x3Kernels& sobel3x3_kernels();
 
-// Image-level kernels. Arguments are trusted: width >= 1, height >= 2, steps
-// of whole elements, source and destination not overlapping. `flip` swaps
-// the rows above and below (origin 1: upper minus lower row).
-enum class IntFilter { Dx, Dy, D2x, D2y, DxDy, ScharrDx, ScharrDy };
-void a6_orcvFilter3x3_8u16s_C1R(IntFilter filter, const uint8_t* src, int srcStep, int16_t* dst, int dstStep,
-                                int width, int height, bool flip, int shift);
-void a6_orcvFilter3x3_8s16s_C1R(IntFilter filter, const int8_t* src, int srcStep, int16_t* dst, int dstStep,
-                                int width, int height, bool flip, int shift);
-void a6_orcvDx3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep, int width, int height,
-                          const Weights32f& w);
-void a6_orcvDy3x3_32f_C1R(const float* src, int srcStep, float* dst, int dstStep, int width, int height,
-                          bool flip, const Weights32f& w);
-
-Weights32f sobel_weights_32f();
-// Scharr weights for a shift count >= 0: k = 1 / 2^shift, 2^shift formed by
-// repeated doubling of 1.0f (infinite from 128 on, so k becomes 0).
-Weights32f scharr_weights_32f(int shift);
-
-// Row i below `first` in rows `step` bytes apart (internal linkage: the
-// vector files use it too).
-template <class T>
-static inline T* nth_row(T* first, int step, int i) {
-    using Byte = typename std::conditional<std::is_const<T>::value, const char, char>::type;
-    return reinterpret_cast<T*>(reinterpret_cast<Byte*>(first) + static_cast<ptrdiff_t>(step) * i);
-}
+// The engines. Arguments are trusted: width >= 1, height >= 2, steps of
+// whole elements, source and destination not overlapping. `flip` swaps the
+// rows above and below (origin 1: upper minus lower row); `shift` is the
+// Scharr scale exponent (>= 0). Float images take Dx, Dy, ScharrDx and
+// ScharrDy.
+void filter_3x3(Filter3x3 filter, const uint8_t* src, int srcStep, int16_t* dst, int dstStep, OruSize roi,
+                bool flip, int shift);
+void filter_3x3(Filter3x3 filter, const int8_t* src, int srcStep, int16_t* dst, int dstStep, OruSize roi,
+                bool flip, int shift);
+void filter_3x3(Filter3x3 filter, const float* src, int srcStep, float* dst, int dstStep, OruSize roi, bool flip,
+                int shift);
 
 namespace scalar {
 
@@ -187,16 +214,6 @@ static inline void row_int_pair(const S* r0, const S* r1, const S* r2, const S* 
                                 int width, int count) {
     row_int<K>(r0, r1, r2, d0, width, count);
     row_int<K>(r1, r2, r3, d1, width, count);
-}
-
-// Float results that are NaN are stored as the one quiet NaN 0x7FC00000:
-// which payload a sum of two NaNs keeps depends on the operand order, which
-// the compiler chooses, so no path may pass payloads through.
-static inline float canonical_nan(float v) {
-    if (v == v) return v;
-    const uint32_t quiet = 0x7FC00000u;
-    std::memcpy(&v, &quiet, sizeof v);
-    return v;
 }
 
 // Horizontal difference with clamped columns; 0 on a one-column row.
@@ -277,9 +294,9 @@ static inline void dy_32f(const float* up, const float* down, float* dst, int wi
 static inline void dy4_32f(const float* first, int srcStep, float* dst, int dstStep, int width, bool flip,
                            const Weights32f& w) {
     for (int i = 0; i < 4; ++i) {
-        const float* up = nth_row(first, srcStep, flip ? i + 2 : i);
-        const float* down = nth_row(first, srcStep, flip ? i : i + 2);
-        dy_32f(up, down, nth_row(dst, dstStep, i), width, w);
+        const float* up = row_at(first, srcStep, flip ? i + 2 : i);
+        const float* down = row_at(first, srcStep, flip ? i : i + 2);
+        dy_32f(up, down, row_at(dst, dstStep, i), width, w);
     }
 }
 

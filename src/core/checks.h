@@ -87,6 +87,99 @@ inline OruStatus check_order_d(std::initializer_list<const void*> pointers, std:
     return oruStsOk;
 }
 
+// General strip filters, the Sobel order: pointers; then a size below 1, a
+// step below its row width, or a step not a multiple of its element size
+// (`pixel_bytes`), all oruStsSize; then a strip flag other than 0, 1, 2 or 4.
+inline OruStatus check_strip_sobel(std::initializer_list<const void*> pointers, const OruSize* roi, StepOf src,
+                                   StepOf dst, int strip_flag) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (roi->width < 1 || roi->height < 1) return oruStsSize;
+    for (const StepOf& s : {src, dst})
+        if (s.step < row_bytes(roi->width, s.pixel_bytes) || s.step % s.pixel_bytes != 0) return oruStsSize;
+    if (strip_flag != 0 && strip_flag != 1 && strip_flag != 2 && strip_flag != 4) return oruStsBadArg;
+    return oruStsOk;
+}
+
+// General strip filters, the blur and Laplace order (order A's pattern):
+// pointers; a step below 1 (oruStsStep); a size below 1 (oruStsSize); a step
+// not a multiple of its granularity (oruStsNotEvenStep); a strip flag
+// outside 0..4 (oruStsBadArg). StepOf carries the granularity here.
+inline OruStatus check_strip_order_a(std::initializer_list<const void*> pointers, const OruSize* roi, StepOf src,
+                                     StepOf dst, int strip_flag) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (src.step < 1 || dst.step < 1) return oruStsStep;
+    if (roi->width < 1 || roi->height < 1) return oruStsSize;
+    if (src.step % src.pixel_bytes != 0 || dst.step % dst.pixel_bytes != 0) return oruStsNotEvenStep;
+    if (strip_flag < 0 || strip_flag > 4) return oruStsBadArg;
+    return oruStsOk;
+}
+
+// Corner eigenvalues: the aperture and window sizes are odd in 3..7.
+inline bool corner_size_ok(int size) { return size == 3 || size == 5 || size == 7; }
+
+// Corner eigenvalues: pointers, then every size and step fault in one test
+// (oruStsSize): a size below 1, a source step below its row width, an
+// output step below its row width or not a multiple of 4, an aperture or
+// window size not odd in 3..7.
+inline OruStatus check_corners(std::initializer_list<const void*> pointers, OruSize roi, StepOf src, StepOf out,
+                               int aperture, int window) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (roi.width < 1 || roi.height < 1 || src.step < row_bytes(roi.width, src.pixel_bytes) ||
+        out.step < row_bytes(roi.width, out.pixel_bytes) || out.step % 4 != 0 || !corner_size_ok(aperture) ||
+        !corner_size_ok(window))
+        return oruStsSize;
+    return oruStsOk;
+}
+
+// Accumulators: order B over the two sources, the mask and the float
+// accumulator, each step with the bytes of one of its pixels. An image the
+// function does not take repeats the first source, so it decides nothing.
+inline OruStatus check_accumulator_order(const void* src1, StepOf src1Step, const void* src2, StepOf src2Step,
+                                         const void* mask, StepOf maskStep, const void* acc, int accStep,
+                                         OruSize roi) {
+    return check_order_b({src1, src2, mask, acc}, {src1Step, src2Step, maskStep, {accStep, 4}}, roi);
+}
+
+// Fixed 3x3 derivative filters: pointers; steps below 1 (oruStsStep); width
+// below 1 or height below 2 (oruStsSize); a step not a whole number of its
+// elements (oruStsNotEvenStep; 8-bit steps never fail); for the one member
+// whose steps must hold a row, steps below the row (oruStsSize); origin
+// other than 0 and 1, then shift below 0 (oruStsBadArg). Members without an
+// origin or a shift pass 0.
+inline OruStatus check_fixed_filter_order(const void* src, StepOf srcStep, const void* dst, StepOf dstStep,
+                                          OruSize roi, bool steps_hold_rows, int origin, int shift) {
+    if (any_null({src, dst})) return oruStsNullPointer;
+    if (any_step_below({srcStep.step, dstStep.step}, 1)) return oruStsStep;
+    if (roi.width < 1 || roi.height < 2) return oruStsSize;
+    if (srcStep.step % srcStep.pixel_bytes != 0 || dstStep.step % dstStep.pixel_bytes != 0) return oruStsNotEvenStep;
+    if (steps_hold_rows && (srcStep.step < row_bytes(roi.width, srcStep.pixel_bytes) ||
+                            dstStep.step < row_bytes(roi.width, dstStep.pixel_bytes)))
+        return oruStsSize;
+    if (origin != 0 && origin != 1) return oruStsBadArg;
+    if (shift < 0) return oruStsBadArg;
+    return oruStsOk;
+}
+
+// Canny scratch size: width or height below 1 (oruStsSize) before a null
+// result pointer.
+inline OruStatus check_canny_size_order(OruSize roi, const void* result) {
+    if (roi.width < 1 || roi.height < 1) return oruStsSize;
+    if (!result) return oruStsNullPointer;
+    return oruStsOk;
+}
+
+// Canny: pointers (derivatives, edges, buffer); steps below 1 (oruStsStep);
+// width or height below 1 (oruStsSize); an odd derivative step
+// (oruStsNotEvenStep; the edge step may be odd); then a low threshold not
+// >= 0 or a high one not >= the low one (oruStsBadArg; NaN fails too).
+inline OruStatus check_canny_order(const void* dx, int dxStep, const void* dy, int dyStep, const void* edges,
+                                   int edgeStep, OruSize roi, float low, float high, const void* buffer) {
+    if (OruStatus s = check_order_a({dx, dy, edges, buffer}, {dxStep, dyStep, edgeStep}, roi)) return s;
+    if (any_step_not_multiple({dxStep, dyStep}, 2)) return oruStsNotEvenStep;
+    if (!(low >= 0.0f) || !(high >= low)) return oruStsBadArg;
+    return oruStsOk;
+}
+
 // The coi argument of the order helpers for a function that has a channel
 // of interest: there a coi of 0 must fail like any other out of range, while
 // the helpers read 0 as "no channel".

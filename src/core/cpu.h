@@ -1,4 +1,6 @@
-// CPU-feature choice: the one piece of global state of the library, set once.
+// CPU-feature choice: the one piece of global state of the library, the SIMD
+// level, detected once (or fixed at build time where run-time detection is
+// turned off) and lowered only by the test hook.
 #pragma once
 
 #if !defined(ORUCV_PORTABLE) && (defined(__x86_64__) || defined(__i386__) || defined(_M_X64))
@@ -11,7 +13,8 @@ namespace orucv {
 
 enum class SimdLevel : int { Scalar = 0, Sse2 = 1, Avx2 = 2 };
 
-// Best level this CPU (and build) supports, detected on first use.
+// Best level this CPU and build support: probed with cpuid on first use, or,
+// with -DORUCV_RUNTIME_DISPATCH=OFF, the level of the compiler's target.
 SimdLevel detected_simd_level();
 
 // Level the kernels dispatch on: the detected level unless lowered for tests.
@@ -22,8 +25,9 @@ SimdLevel simd_level();
 // Returns the previous level.
 SimdLevel force_simd_level(SimdLevel level);
 
-// Picks a family's kernel table by the current level. Families without an
-// AVX2 variant pass their SSE2 table twice.
+// Picks a family's kernel table by the current level; a missing table (null)
+// falls back to the next lower level. A family whose kernels gain nothing
+// from AVX2 points its AVX2 table at the SSE2 rows.
 template <class Table>
 inline const Table& choose(const Table& scalar, const Table* sse2, const Table* avx2) {
     switch (simd_level()) {

@@ -50,5 +50,35 @@ inline float key_float(int32_t key) { return bits_float(static_cast<uint32_t>(ke
 inline float scalar_minf(float a, float b) { return a < b ? a : b; }
 inline float scalar_maxf(float a, float b) { return a > b ? a : b; }
 
+// a + b and a * b with the operands kept in this order: when both are NaN,
+// x86 returns the first one (quieted), but the compiler treats these
+// operations as commutative and may swap their operands, so on x86 they are
+// pinned with inline assembly (the vector twins are addf_pinned and
+// mulf_pinned of ops_<isa>.h).
+#if defined(__AVX__) && defined(__GNUC__)
+inline float add_pinned(float a, float b) {
+    float r;
+    __asm__("vaddss %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
+    return r;
+}
+inline float mul_pinned(float a, float b) {
+    float r;
+    __asm__("vmulss %2, %1, %0" : "=x"(r) : "x"(a), "x"(b));
+    return r;
+}
+#elif defined(__SSE2__) && defined(__GNUC__)
+inline float add_pinned(float a, float b) {
+    __asm__("addss %1, %0" : "+x"(a) : "x"(b));
+    return a;
+}
+inline float mul_pinned(float a, float b) {
+    __asm__("mulss %1, %0" : "+x"(a) : "x"(b));
+    return a;
+}
+#else
+inline float add_pinned(float a, float b) { return a + b; }
+inline float mul_pinned(float a, float b) { return a * b; }
+#endif
+
 }  // namespace
 }  // namespace orucv

@@ -235,6 +235,35 @@ streaming)
     printf 'Pf 1 1 -1.0\n\x00\x00\x80\x3f' >one.pfm
     expect 2 "write them to a .pfm or .npy file" -- "$ORUCV" convert one.pfm one.pgm
     ;;
+filters)
+    # The strip filters stream: a 4000 x 100000 image through blur and sobel
+    # with peak memory under 64 MiB; the outputs have the input's size.
+    "$CLI_PROBE" gray 4000 100000 tall.pgm || exit 1
+    limit_mib=64
+    [ "${CLI_SANITIZED:-OFF}" = ON ] && limit_mib=0
+    "$CLI_PROBE" run $limit_mib 60 0 -- "$ORUCV" blur tall.pgm tall-blur.pgm --size 7 >probe.txt 2>&1 ||
+        fail "blur tall.pgm: $(cat probe.txt)"
+    cat probe.txt
+    [ "$(head -c 20 tall-blur.pgm | tr '\n' ' ' | cut -d' ' -f1-3)" = "P5 4000 100000" ] || fail "blur output header"
+    rm -f tall-blur.pgm
+    "$CLI_PROBE" run $limit_mib 60 0 -- "$ORUCV" sobel tall.pgm tall-sobel.npy --size 5 --dx 1 --dy 1 >probe.txt 2>&1 ||
+        fail "sobel tall.pgm: $(cat probe.txt)"
+    cat probe.txt
+    [ "$(wc -c <tall-sobel.npy)" -ge 800000000 ] || fail "sobel output size $(wc -c <tall-sobel.npy)"
+    rm -f tall.pgm tall-sobel.npy
+    # The blur's mean of a flat image is the image; Laplace of it is 0.
+    printf 'P5\n5 3\n255\n' >flat.pgm && printf '\x2a%.0s' $(seq 15) >>flat.pgm
+    expect 0 "out:b.pgm: 5x3, oruiBlur_8u16s_C1R size 5" -- "$ORUCV" blur flat.pgm b.pgm --size 5
+    cmp -s flat.pgm b.pgm || fail "blur of a flat image"
+    expect 0 "out:(16-bit, absolute values)" -- "$ORUCV" laplace flat.pgm l.pgm --raw abs
+    [ "$(tail -c 30 l.pgm | od -An -tu1 | tr -d ' \n')" = "$(printf '0%.0s' $(seq 30))" ] || fail "laplace of a flat image"
+    expect 2 "option --size takes 3, 5 or 7, not 4" -- "$ORUCV" blur flat.pgm b.pgm --size 4
+    expect 2 "option --dx takes 0..2 for size 3, not 3" -- "$ORUCV" sobel flat.pgm s.pgm --size 3 --dx 3
+    expect 2 "not --d2x" -- "$ORUCV" sobel flat.pgm s.pgm --dx 1 --d2x
+    expect 0 "out:s.npy: 5x3, oruiSobel_8u16s_C1R size 7" -- "$ORUCV" sobel flat.pgm s.npy --size 7 --dy=6
+    expect 0 "out:oruiSobel3x3_Dx_8u16s_C1R" -- "$ORUCV" sobel flat.pgm s3.pgm --dx
+    expect 0 "out:c.png: 64x48, " -- "$ORUCV" corners gray.pgm c.png --count 5
+    ;;
 progress)
     # Large matches run in bands of result rows: byte scores are exact sums,
     # so the top rows of a banded map equal those of a map of a crop matched
