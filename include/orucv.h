@@ -826,6 +826,215 @@ ORUCV_API OruStatus oruiMinEigenVal_8s32f_C1R(const Oru8s* pSrc, int srcStep, Or
 ORUCV_API OruStatus oruiMinEigenVal_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pMinEigen, int minEigStep,
                                             OruSize roiSize, int apertureSize, int avgWindow, Oru8u* pBuffer);
 
+/* ---- Morphology ------------------------------------------------------------- */
+/* Erosion (minimum) and dilation (maximum) over a structuring element, fed
+ * in horizontal strips of any height so that an image of any height is
+ * filtered with memory for a few rows. A state holds the element and the
+ * rows carried from one strip to the next; it serves one image at a time
+ * and may be reused for the next image by starting again. */
+typedef struct OruMorphState OruMorphState;
+
+/* Structuring element shapes (maskShape). */
+enum {
+    oruMorphRect = 0,     /* maskSize.width x maskSize.height, every member */
+    oruMorphCross = 1,    /* the anchor row and the anchor column */
+    oruMorphEllipse = 2,  /* built at creation, then used as a mask */
+    oruMorphMask = 100    /* pMask: a nonzero byte is a member */
+};
+
+/* Strip positions (stripFlag). */
+enum {
+    oruMorphWhole = 0,    /* the whole image in one call */
+    oruMorphFirst = 1,
+    oruMorphLast = 2,     /* its height may be 0: only the held rows are flushed */
+    oruMorphMiddle = 4
+};
+
+/* Creates a state for strips of at most roiWidth pixels of dataType
+ * (oruDataType8u or oruDataType32f) with numChannels channels, and the
+ * element of maskSize with its anchor (the element's pixel that lies on the
+ * destination pixel). pMask (maskSize.width * maskSize.height bytes, rows
+ * back to back) is read only for oruMorphMask.
+ * Checks, in order: ppState NULL (oruStsNullPointer); roiWidth, the mask's
+ * width or height below 1 (oruStsSize); dataType, then numChannels not
+ * supported (oruStsDataType); the anchor outside the element, a negative
+ * anchor included (oruStsOutOfRange); an unknown shape (oruStsOutOfRange),
+ * oruMorphMask with pMask NULL (oruStsNullPointer). Then *ppState is set to
+ * NULL and, when memory cannot be had (or the state's size does not fit an
+ * unsigned int), oruStsMemAlloc is returned with nothing allocated.
+ * The state's size grows with roiWidth times the element's height.
+ *
+ * The ellipse, with r = height / 2, c = width / 2 and, for rows i < r,
+ * dy = r - i and dx = (width / 2) * sqrt((r^2 - dy^2) * (1 / r^2)) rounded
+ * to the nearest integer (ties to even), has the columns max(c - dx, 0) ..
+ * min(c + dx, width - 1) in rows i and height - 1 - i. The row r of an odd
+ * height has no member, so an ellipse of height 1 or 3 is empty or has only
+ * its first and last rows (e.g. 5x5: rows 0 and 4 hold column 2, rows 1
+ * and 3 every column, row 2 nothing). */
+ORUCV_API OruStatus oruiMorphologyInitAlloc(int roiWidth, int dataType, int numChannels, OruSize maskSize,
+                                            OruPoint anchor, int maskShape, const Oru8u* pMask,
+                                            OruMorphState** ppState);
+/* Releases the state held in *ppState and sets *ppState to NULL; a variable
+ * holding NULL is ignored. ppState NULL gives oruStsNullPointer. */
+ORUCV_API OruStatus oruiMorphologyFree(OruMorphState** ppState);
+
+/* The strip functions: (pSrc, srcStep, pDst, dstStep, pRoiSize, pState,
+ * stripFlag). pRoiSize->width is the strip's width (the same for every strip
+ * of an image) and pRoiSize->height the number of source rows on entry; on
+ * return it holds the number of destination rows written. An image of H
+ * rows is given either in one call with oruMorphWhole, or as a first strip,
+ * any middle strips and a last strip (heights of 0 and 1 included); the
+ * destination rows come out in order, each as soon as the source rows under
+ * the element have been given, and all strips together write exactly the H
+ * rows that one call would. With enough rows a first strip writes
+ * height - (maskHeight - 1 - anchor.y) rows, a middle strip height rows
+ * and the last strip height + (maskHeight - 1 - anchor.y) rows; a
+ * destination must have room for the rows its call writes.
+ *
+ * Result: destination (x, y) is the minimum (erosion) or maximum (dilation)
+ * of source (x + j - anchor.x, y + i - anchor.y) over the members (i, j) of
+ * the element, each channel on its own; coordinates outside the image are
+ * moved to the nearest row and column (replication on all four sides).
+ * Nothing outside the source and destination rows is read or written.
+ *
+ * 32f: the Rect and Cross functions compare the floats directly. Members
+ * that compare equal (a -0.0 beside a +0.0) give the one that comes last
+ * in the element's row-major order (top row first, each row left to right);
+ * any NaN member gives the quiet NaN 0x7FC00000. The mask functions order
+ * the bit patterns instead: -0.0 lies below +0.0, NaNs with the sign bit
+ * clear above +infinity and those with it set below -infinity, and the
+ * result is the exact bits of one member. An element without members (an
+ * empty mask, the ellipse of height 1) erodes to 255 or +infinity and
+ * dilates to 0 or -infinity.
+ *
+ * Checks, in order: pSrc, pDst, pState or pRoiSize NULL (oruStsNullPointer);
+ * width below 1 or above the state's roiWidth, height below 0
+ * (oruStsSize); the state's data type, channels or shape (oruMorphRect for
+ * Rect, oruMorphCross for Cross, oruMorphMask or oruMorphEllipse for the
+ * others) not those of the function (oruStsContextMismatch); a step below
+ * the row's bytes (oruStsStep); stripFlag not 0, 1, 2 or 4
+ * (oruStsOutOfRange). Then the warning oruStsNoOperation, with the height
+ * set to 0 and the state untouched, for a middle or last strip when no
+ * image is in progress, and for a height of 0 with any flag but oruMorphLast.
+ * Returns oruStsOk otherwise. */
+ORUCV_API OruStatus oruiErodeStrip_Rect_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                               OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Rect_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                               OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Rect_8u_C4R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                               OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Cross_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Cross_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Cross_8u_C4R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                          OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                          OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_8u_C4R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                          OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Rect_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Rect_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Rect_8u_C4R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Cross_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Cross_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Cross_8u_C4R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_8u_C1R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                           OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_8u_C3R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                           OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_8u_C4R(const Oru8u* pSrc, int srcStep, Oru8u* pDst, int dstStep,
+                                           OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Rect_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Rect_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Rect_32f_C4R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Cross_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Cross_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_Cross_32f_C4R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                           OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                           OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiErodeStrip_32f_C4R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                           OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Rect_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Rect_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Rect_32f_C4R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                 OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Cross_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                  OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Cross_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                  OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_Cross_32f_C4R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                                  OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_32f_C1R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                            OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_32f_C3R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                            OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+ORUCV_API OruStatus oruiDilateStrip_32f_C4R(const Oru32f* pSrc, int srcStep, Oru32f* pDst, int dstStep,
+                                            OruSize* pRoiSize, OruMorphState* pState, int stripFlag);
+/* ---- Fast arctangent ------------------------------------------------------- */
+/* pDst[i] = direction of the vector (pSrcX[i], pSrcY[i]) in degrees, counter-
+ * clockwise from the positive x axis, by a quadratic instead of a library
+ * arctangent (error at most about 0.1405 degrees). Per element, in single
+ * precision, with ax = |x| and ay = |y|:
+ *   t = min(ax, ay) / max(ax, ay, 1e-8f)      (a correctly rounded division)
+ *   p = (-15.813189506530762 * t + 61.09419631958008) * t - 0.14050041139125824
+ *   a = ay > ax ? 90 - p : p;  then x < 0: a = 180 - a;  then y < 0: a = 360 - a
+ * Results lie in about -0.1405 .. 360.1405: (1, 0) and (0, 0) give
+ * -0.14050041, (1, 1) gives 45.140506, (1, -1e-6) gives 360.14044.
+ * The division is a plain division, not a reciprocal estimate refined by a
+ * Newton step, so every processor and code path gives the same bits.
+ * Special values: -0.0 counts as 0 (no correction); an infinite component
+ * against a finite one gives the axis direction (t = 0), two infinite
+ * components the diagonal (t = 1); a NaN in either component gives the quiet
+ * NaN 0x7FC00000.
+ * No alignment is required; pDst may be pSrcY or pSrcX (in place), other
+ * overlaps are not supported. len 0 reads and writes nothing.
+ * Checks, in order: a NULL pointer (oruStsNullPointer); len < 0
+ * (oruStsSize). */
+ORUCV_API OruStatus oruibFastArctan_32f(const Oru32f* pSrcY, const Oru32f* pSrcX, Oru32f* pDst, int len);
+
+/* ---- Line sampling --------------------------------------------------------- */
+/* Copies the pixels of the digital line from pt1 to pt2 into pDst, densely
+ * and in order (pixel k at element k * channels): n = max(|x2 - x1|,
+ * |y2 - y1|) + 1 pixels, the first pt1 and the last exactly pt2; nothing else
+ * of pDst is written, so it must hold n pixels. The line follows Bresenham's
+ * integer stepping along its major axis (y when |dx| <= |dy|: a tie counts
+ * as steep); after k steps the minor coordinate has moved by
+ * ceil(minor * k / major - 1/2), so an exact half rounds toward pt1, and the
+ * two directions of one segment can select different pixels. Pixels are
+ * copied bit for bit (float NaN payloads included).
+ * Checks, in order: pSrc or pDst NULL (oruStsNullPointer); srcStep < 1
+ * (oruStsStep); width or height below 1 (oruStsSize); float images: srcStep
+ * not a multiple of 4 (oruStsNotEvenStep); then srcStep below the row width
+ * in bytes, or a point outside the region (x not in 0 .. width - 1, y not in
+ * 0 .. height - 1) give oruStsBadLine. */
+ORUCV_API OruStatus oruiSampleLine_8u_C1R(const Oru8u* pSrc, int srcStep, OruSize roiSize, Oru8u* pDst,
+                                          OruPoint pt1, OruPoint pt2);
+ORUCV_API OruStatus oruiSampleLine_8u_C3R(const Oru8u* pSrc, int srcStep, OruSize roiSize, Oru8u* pDst,
+                                          OruPoint pt1, OruPoint pt2);
+ORUCV_API OruStatus oruiSampleLine_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize roiSize, Oru32f* pDst,
+                                           OruPoint pt1, OruPoint pt2);
+ORUCV_API OruStatus oruiSampleLine_32f_C3R(const Oru32f* pSrc, int srcStep, OruSize roiSize, Oru32f* pDst,
+                                           OruPoint pt1, OruPoint pt2);
+
 /* ---- Image statistics ----------------------------------------------------- */
 /* Means, standard deviations, extrema with their locations and norms of one
  * channel: a one-channel image (C1) or the channel coi (1..3) of a

@@ -9,8 +9,11 @@
 #include "accum_list.h"
 #include "canny_list.h"
 #include "eigen_list.h"
+#include "fastarctan_list.h"
 #include "filter_list.h"
 #include "frame_list.h"
+#include "morph_list.h"
+#include "samplers_list.h"
 #include "sobel3x3_list.h"
 #include "stats_list.h"
 
@@ -22,6 +25,9 @@
     ORUCV_SOBEL3X3_FUNCTIONS(X)  \
     ORUCV_CANNY_FUNCTIONS(X)     \
     ORUCV_FRAME_FUNCTIONS(X)     \
+    ORUCV_MORPH_FUNCTIONS(X)      \
+    ORUCV_FASTARCTAN_FUNCTIONS(X) \
+    ORUCV_SAMPLERS_FUNCTIONS(X)   \
     ORUCV_STATS_FUNCTIONS(X)
 
 // Families whose lists are still to come; the check that every declared

@@ -287,9 +287,22 @@ struct Avx2 {
     }
     static I narrow_u8(I v) { return _mm256_zextsi128_si256(_mm_packus_epi16(low(v), high(v))); }
     static I narrow_s8(I v) { return _mm256_zextsi128_si256(_mm_packs_epi16(low(v), high(v))); }
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
+    static I min32(I a, I b) { return _mm256_min_epi32(a, b); }
+    static I max32(I a, I b) { return _mm256_max_epi32(a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm256_stream_si256(static_cast<__m256i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
 
-    // ---- Statistics: channel 0 of three, magnitudes, 32-bit extremes,
-    //      horizontal extremes, doubles (see ops_sse2.h)
+    // ---- Gathers (line sampling)
+    // The 32-bit elements at base + each lane's byte offset; reads exactly
+    // four bytes per lane.
+    static I gather32(const void* base, I byte_offsets) {
+        return _mm256_i32gather_epi32(static_cast<const int*>(base), byte_offsets, 1);
+    }
+
+    // ---- Statistics: channel 0 of three, magnitudes, horizontal extremes,
+    //      doubles (see ops_sse2.h)
     // Each 128-bit half gathers channel 0 of 16 pixels (48 bytes) from
     // three loads; the shuffles pick bytes 0, 3, ... 15, then 2, 5, ... 14,
     // then 1, 4, ... 13 of the three.
@@ -320,8 +333,6 @@ struct Avx2 {
         const I lo = _mm256_unpacklo_epi8(x, _mm256_setzero_si256()), hi = _mm256_unpackhi_epi8(x, _mm256_setzero_si256());
         return _mm256_add_epi32(_mm256_madd_epi16(lo, lo), _mm256_madd_epi16(hi, hi));
     }
-    static I min_s32(I a, I b) { return _mm256_min_epi32(a, b); }
-    static I max_s32(I a, I b) { return _mm256_max_epi32(a, b); }
     static int reduce_min_u8(I v) {
         __m128i h = _mm_min_epu8(low(v), high(v));
         h = _mm_min_epu8(h, _mm_srli_si128(h, 8));

@@ -295,9 +295,27 @@ struct Sse2 {
     // kBytes / 2 bytes in the low half, in order, the high half zero.
     static I narrow_u8(I v) { return _mm_packus_epi16(v, zero()); }
     static I narrow_s8(I v) { return _mm_packs_epi16(v, zero()); }
+    // ---- Morphology: order keys of floats compared as signed 32-bit integers
+    static I min32(I a, I b) { return select(cmpgt32(a, b), b, a); }
+    static I max32(I a, I b) { return select(cmpgt32(a, b), a, b); }
+    // Morphology: stores past the caches for large outputs; p aligned to kBytes.
+    static void stream(void* p, I v) { _mm_stream_si128(static_cast<__m128i*>(p), v); }
+    static void stream_fence() { _mm_sfence(); }
 
-    // ---- Statistics: channel 0 of three, magnitudes, 32-bit extremes,
-    //      horizontal extremes, doubles
+    // ---- Gathers (line sampling)
+    // The 32-bit elements at base + each lane's byte offset; reads exactly
+    // four bytes per lane.
+    static I gather32(const void* base, I byte_offsets) {
+        alignas(16) int32_t o[4];
+        _mm_store_si128(reinterpret_cast<__m128i*>(o), byte_offsets);
+        const uint8_t* b = static_cast<const uint8_t*>(base);
+        int32_t v[4];
+        for (int j = 0; j < 4; ++j) std::memcpy(&v[j], b + o[j], 4);
+        return _mm_setr_epi32(v[0], v[1], v[2], v[3]);
+    }
+
+    // ---- Statistics: channel 0 of three, magnitudes, horizontal extremes,
+    //      doubles
     // Channel 0 of kBytes three-channel pixels: reads exactly 3 * kBytes bytes.
     static I load_deinterleave3_u8(const uint8_t* p) {
         const auto hi64 = [](I v) { return _mm_unpackhi_epi64(v, v); };
@@ -328,8 +346,6 @@ struct Sse2 {
         const I lo = _mm_unpacklo_epi8(x, _mm_setzero_si128()), hi = _mm_unpackhi_epi8(x, _mm_setzero_si128());
         return _mm_add_epi32(_mm_madd_epi16(lo, lo), _mm_madd_epi16(hi, hi));
     }
-    static I min_s32(I a, I b) { return select(_mm_cmpgt_epi32(a, b), b, a); }
-    static I max_s32(I a, I b) { return select(_mm_cmpgt_epi32(a, b), a, b); }
     static int reduce_min_u8(I v) {
         v = _mm_min_epu8(v, _mm_srli_si128(v, 8));
         v = _mm_min_epu8(v, _mm_srli_si128(v, 4));
@@ -345,13 +361,13 @@ struct Sse2 {
         return _mm_cvtsi128_si32(v) & 0xFF;
     }
     static int32_t reduce_min_s32(I v) {
-        v = min_s32(v, _mm_srli_si128(v, 8));
-        v = min_s32(v, _mm_srli_si128(v, 4));
+        v = min32(v, _mm_srli_si128(v, 8));
+        v = min32(v, _mm_srli_si128(v, 4));
         return _mm_cvtsi128_si32(v);
     }
     static int32_t reduce_max_s32(I v) {
-        v = max_s32(v, _mm_srli_si128(v, 8));
-        v = max_s32(v, _mm_srli_si128(v, 4));
+        v = max32(v, _mm_srli_si128(v, 8));
+        v = max32(v, _mm_srli_si128(v, 4));
         return _mm_cvtsi128_si32(v);
     }
     // The two halves of the vector exchanged.

@@ -229,8 +229,8 @@ struct StatsRows {
             const F d = clear(z, K == StatsKind::Norm ? v : V::subf(v, w));
             const F r = clear(z, w);
             if constexpr (N == StatsNorm::Inf) {
-                peak0 = V::max_s32(peak0, V::and_(V::cast(d), magnitude));
-                if (kRel) peak1 = V::max_s32(peak1, V::and_(V::cast(r), magnitude));
+                peak0 = V::max32(peak0, V::and_(V::cast(d), magnitude));
+                if (kRel) peak1 = V::max32(peak1, V::and_(V::cast(r), magnitude));
             } else if constexpr (N == StatsNorm::L1) {
                 lane_add(l0, V::absf(d));
                 if (kRel) lane_add(l1, V::absf(r));
@@ -393,11 +393,11 @@ struct StatsRows {
                 const I k = keys(x);
                 if (kMasked) {
                     const I z = unselected32(m, x);
-                    vmin = V::min_s32(vmin, V::select(z, top, k));
-                    vmax = V::max_s32(vmax, V::select(z, bottom, k));
+                    vmin = V::min32(vmin, V::select(z, top, k));
+                    vmax = V::max32(vmax, V::select(z, bottom, k));
                 } else {
-                    vmin = V::min_s32(vmin, k);
-                    vmax = V::max_s32(vmax, k);
+                    vmin = V::min32(vmin, k);
+                    vmax = V::max32(vmax, k);
                 }
             }
             const int32_t cmin = V::reduce_min_s32(vmin), cmax = V::reduce_max_s32(vmax);

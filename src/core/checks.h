@@ -180,6 +180,70 @@ inline OruStatus check_canny_order(const void* dx, int dxStep, const void* dy, i
     return oruStsOk;
 }
 
+// Morphology state creation: the state variable; the sizes; the data type,
+// then the channels; the anchor inside the element, compared unsigned so
+// that a negative anchor fails too; the shape, and a mask for shape 100.
+inline OruStatus check_morph_init(int roi_width, int data_type, int channels, OruSize mask, OruPoint anchor,
+                                  int shape, const void* mask_bytes, const void* state_variable) {
+    if (!state_variable) return oruStsNullPointer;
+    if (roi_width <= 0 || mask.width <= 0 || mask.height <= 0) return oruStsSize;
+    if (data_type != oruDataType8u && data_type != oruDataType32f) return oruStsDataType;
+    if (channels != 1 && channels != 3 && channels != 4) return oruStsDataType;
+    if (static_cast<unsigned>(anchor.x) >= static_cast<unsigned>(mask.width) ||
+        static_cast<unsigned>(anchor.y) >= static_cast<unsigned>(mask.height))
+        return oruStsOutOfRange;
+    if (shape != 0 && shape != 1 && shape != 2 && shape != 100) return oruStsOutOfRange;
+    if (shape == 100 && !mask_bytes) return oruStsNullPointer;
+    return oruStsOk;
+}
+
+// What a morphology strip is checked against: the state's facts, or the
+// function's (width and in_progress unused there).
+struct StripFacts {
+    int width;
+    int data_type;
+    int channels;
+    int shape;
+    bool in_progress;
+};
+
+// Morphology strips: pointers (state is null when the state pointer is);
+// the strip's width within the state's and a height of at least 0; the
+// state made for this function; steps of at least a row; the flag. Then the
+// warning oruStsNoOperation, with the height set to 0, for a middle or last
+// strip of no image in progress and for an empty strip that is not a last.
+inline OruStatus check_morph_strip(const void* src, int src_step, const void* dst, int dst_step, OruSize* roi,
+                                   const StripFacts* state, const StripFacts& function, int pixel_bytes, int flag) {
+    if (any_null({src, dst, roi}) || !state) return oruStsNullPointer;
+    if (roi->width < 1 || roi->width > state->width || roi->height < 0) return oruStsSize;
+    if (state->data_type != function.data_type || state->channels != function.channels ||
+        state->shape != function.shape)
+        return oruStsContextMismatch;
+    if (row_bytes(roi->width, pixel_bytes) > src_step || row_bytes(roi->width, pixel_bytes) > dst_step)
+        return oruStsStep;
+    if (flag != 0 && flag != 1 && flag != 2 && flag != 4) return oruStsOutOfRange;
+    const bool nothing_to_do = (!state->in_progress && (flag == 2 || flag == 4)) || (roi->height == 0 && flag != 2);
+    if (nothing_to_do) {
+        roi->height = 0;
+        return oruStsNoOperation;
+    }
+    return oruStsOk;
+}
+
+// Line sampling: order A with its one step; the line itself is checked when
+// it is set up (oruStsBadLine).
+inline OruStatus check_sample_line(const void* src, const void* dst, int step, OruSize roi, int float_element_bytes) {
+    return check_order_a({src, dst}, {step}, roi, float_element_bytes);
+}
+
+// Fast arctangent: a null array (oruStsNullPointer), then a negative length
+// (oruStsSize).
+inline OruStatus check_fast_arctan(const void* y, const void* x, const void* dst, int len) {
+    if (any_null({y, x, dst})) return oruStsNullPointer;
+    if (len < 0) return oruStsSize;
+    return oruStsOk;
+}
+
 // The coi argument of the order helpers for a function that has a channel
 // of interest: there a coi of 0 must fail like any other out of range, while
 // the helpers read 0 as "no channel".
