@@ -69,7 +69,7 @@ void call(const Data<T>& d, OruSize roi, Outputs& o) {
         if constexpr (kC3) F(a, s, roi, coi, &o.d0, &o.d1);
         else F(a, s, roi, &o.d0, &o.d1);
     } else if constexpr (K == Kind::SumSq) {
-        F(a, s, roi, &o.sum, &o.sumsq);
+        F(a, s, roi.width, roi.height, &o.sum, &o.sumsq);
     } else if constexpr (K == Kind::MinMaxIndx) {
         if constexpr (kC3 && kMasked) F(a, s, m, ms, roi, coi, &o.f0, &o.f1, &o.p0, &o.p1);
         else if constexpr (kC3) F(a, s, roi, coi, &o.f0, &o.f1, &o.p0, &o.p1);

@@ -1122,7 +1122,7 @@ ORUCV_API OruStatus oruiMean_StdDev_32f_C3CMR(const Oru32f* pSrc, int srcStep, c
 /* The kernel behind the 8-bit sums: sum (wrapping) and sum of squares of the
  * region. No argument checks: width and height at least 1. Returns
  * oruStsOk. */
-ORUCV_API OruStatus a6_orcvSumSq_8s_C1R(const Oru8s* pSrc, int srcStep, OruSize roiSize, Oru32s* pSum,
+ORUCV_API OruStatus a6_orcvSumSq_8s_C1R(const Oru8s* pSrc, int srcStep, int width, int height, Oru32s* pSum,
                                         long long* pSumSq);
 /* Smallest and largest value with the location (x column, y row in the
  * region) of the first pixel in raster order that holds each. Floats are

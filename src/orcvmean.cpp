@@ -90,9 +90,10 @@ OruStatus mean_stddev(const T* src, int srcStep, const Oru8u* mask, int maskStep
     }
 // The exported kernel: no checks.
 #define ORUCV_STATS_SumSq(name, norm, T, layout, mask, order)                                                   \
-    extern "C" OruStatus name(const T* pSrc, int srcStep, OruSize roiSize, Oru32s* pSum, long long* pSumSq) {   \
+    extern "C" OruStatus name(const T* pSrc, int srcStep, int width, int height, Oru32s* pSum,                   \
+                              long long* pSumSq) {                                                              \
         a6::StatsAcc acc{};                                                                                     \
-        a6::stats_reduce(a6::kStats_##name, pSrc, srcStep, nullptr, 0, nullptr, 0, roiSize, 0, acc);            \
+        a6::stats_reduce(a6::kStats_##name, pSrc, srcStep, nullptr, 0, nullptr, 0, {width, height}, 0, acc);   \
         *pSum = wrap32(acc.sum[0]);                                                                             \
         *pSumSq = acc.sumsq[0];                                                                                 \
         return oruStsOk;                                                                                        \

@@ -95,7 +95,7 @@ OruStatus invoke(const Args& c, Outcome& o, const Wanted& w) {
         if constexpr (kC3) return F(a, c.aStep, c.roi, c.coi, d0, d1);
         else return F(a, c.aStep, c.roi, d0, d1);
     } else if constexpr (K == Kind::SumSq) {
-        return F(a, c.aStep, c.roi, &o.sum, &o.sumsq);
+        return F(a, c.aStep, c.roi.width, c.roi.height, &o.sum, &o.sumsq);
     } else if constexpr (K == Kind::MinMaxIndx) {
         Oru32f* f0 = w.f0 ? &o.f[0] : nullptr;
         Oru32f* f1 = w.f1 ? &o.f[1] : nullptr;
@@ -588,7 +588,7 @@ TEST(StatsLimits, ByteSumsWrapAtThirtyTwoBits) {
         long long sumsq = 0;
         EXPECT_EQ(oruiMean_StdDev_8u_C3CR(rgb.data(), rgb.step(), {w, h}, 3, &mean, &sd), oruStsOk);
         EXPECT_EQ(mean, static_cast<double>(static_cast<long double>(wrapped) / n));
-        EXPECT_EQ(a6_orcvSumSq_8s_C1R(reinterpret_cast<const Oru8s*>(img.data()), w, {w, h}, &sum, &sumsq), oruStsOk);
+        EXPECT_EQ(a6_orcvSumSq_8s_C1R(reinterpret_cast<const Oru8s*>(img.data()), w, w, h, &sum, &sumsq), oruStsOk);
         EXPECT_EQ(sum, static_cast<int32_t>(static_cast<uint32_t>(-n)));
         EXPECT_EQ(sumsq, n);
         return std::vector<double>{mean, sd, static_cast<double>(sum)};
