@@ -1035,6 +1035,275 @@ ORUCV_API OruStatus oruiSampleLine_32f_C1R(const Oru32f* pSrc, int srcStep, OruS
 ORUCV_API OruStatus oruiSampleLine_32f_C3R(const Oru32f* pSrc, int srcStep, OruSize roiSize, Oru32f* pDst,
                                            OruPoint pt1, OruPoint pt2);
 
+/* ---- Image statistics ----------------------------------------------------- */
+/* Means, standard deviations, extrema with their locations and norms of one
+ * channel: a one-channel image (C1) or the channel coi (1..3) of a
+ * three-channel image (C3C). Masked forms (M) take the pixels whose mask
+ * byte is nonzero. Results that are NaN are stored as the quiet NaN
+ * 0x7FF8000000000000 (extrema: the float found, bit for bit).
+ *
+ * Precision, the same bits on the scalar, SSE2 and AVX2 paths and in 32- and
+ * 64-bit builds:
+ *  - 8-bit sources are summed exactly. The sum of values (and the L1 norm) is
+ *    a signed 32-bit integer that wraps above 2147483647 (more than 8421504
+ *    pixels of 255); sums of squares are 64-bit.
+ *  - oruiMean_32f_C1MR sums in four single-precision lanes: in each group of
+ *    eight pixels of a row lane j takes pixel j, then pixel j + 4; the
+ *    pixels after the last group of a row go to lane 0; unselected pixels
+ *    add +0.0. The lanes are added 0 + 1 + 2 + 3 in extended precision and
+ *    the sum is rounded to double.
+ *  - The other float means and deviations sum values and squares as
+ *    double-double numbers in eight lanes: pixel x of each row goes to lane
+ *    x mod 8, each lane a pair of doubles kept exact by an error-free
+ *    addition, and the lanes are added in halves (0 + 4, 2 + 6, 1 + 5, 3 + 7,
+ *    then again). For every region below 2^42 pixels its error bound is below
+ *    that of a sequential sum in extended precision.
+ *  - Quotients and square roots are formed in extended precision (x87 long
+ *    double) and rounded once to double. Mean and deviation: mean = S / n,
+ *    variance = Q / n - mean * mean from the unrounded mean, deviation =
+ *    sqrt(|variance|) (population form); divisions rather than a reciprocal,
+ *    so a constant region has deviation 0 at every size. An empty mask gives
+ *    0.0 and 0.0.
+ *
+ * Checks, first failure returned, nothing written:
+ *  Mean, Mean_StdDev: a null pointer (oruStsNullPointer); width or height
+ *    below 1 (oruStsSize); a step below 1 (oruStsStep); a float source step
+ *    not divisible by 4 (oruStsNotEvenStep, the mask step is never tested);
+ *    coi outside 1..3 (oruStsCoi). oruiMean_32f_C3CMR tests coi before the
+ *    float step.
+ *  MinMaxIndx: pSrc or pMask null (oruStsNullPointer; the outputs may be
+ *    null: not wanted); width or height below 0 (oruStsSize); srcStep below
+ *    the row's bytes, maskStep below width, or a float step not divisible
+ *    by 4 (oruStsStep); coi outside 1..3 (oruStsCoi).
+ *  Norm, NormDiff, NormRel: a null pointer (oruStsNullPointer); any step,
+ *    the mask step included, below 1 (oruStsStep); width or height below 1
+ *    (oruStsSize); coi outside 1..3 (oruStsCoi); a float image step not
+ *    divisible by 4 (oruStsNotEvenStep). */
+
+/* Masked mean: 0.0 when the mask selects nothing. */
+ORUCV_API OruStatus oruiMean_8u_C1MR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                     OruSize roiSize, Oru64f* pMean);
+ORUCV_API OruStatus oruiMean_8u_C3CMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                      OruSize roiSize, int coi, Oru64f* pMean);
+ORUCV_API OruStatus oruiMean_8s_C1MR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                     OruSize roiSize, Oru64f* pMean);
+ORUCV_API OruStatus oruiMean_8s_C3CMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                      OruSize roiSize, int coi, Oru64f* pMean);
+ORUCV_API OruStatus oruiMean_32f_C1MR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                      OruSize roiSize, Oru64f* pMean);
+ORUCV_API OruStatus oruiMean_32f_C3CMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                       OruSize roiSize, int coi, Oru64f* pMean);
+/* Mean and population standard deviation of the region or of its masked
+ * pixels. */
+ORUCV_API OruStatus oruiMean_StdDev_8u_C1R(const Oru8u* pSrc, int srcStep, OruSize roiSize, Oru64f* pMean,
+                                           Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_8u_C3CR(const Oru8u* pSrc, int srcStep, OruSize roiSize, int coi, Oru64f* pMean,
+                                            Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_8s_C1R(const Oru8s* pSrc, int srcStep, OruSize roiSize, Oru64f* pMean,
+                                           Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_8s_C3CR(const Oru8s* pSrc, int srcStep, OruSize roiSize, int coi, Oru64f* pMean,
+                                            Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize roiSize, Oru64f* pMean,
+                                            Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_32f_C3CR(const Oru32f* pSrc, int srcStep, OruSize roiSize, int coi, Oru64f* pMean,
+                                             Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_8u_C1MR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                            OruSize roiSize, Oru64f* pMean, Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_8u_C3CMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                             OruSize roiSize, int coi, Oru64f* pMean, Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_8s_C1MR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                            OruSize roiSize, Oru64f* pMean, Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_8s_C3CMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                             OruSize roiSize, int coi, Oru64f* pMean, Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_32f_C1MR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                             OruSize roiSize, Oru64f* pMean, Oru64f* pStdDev);
+ORUCV_API OruStatus oruiMean_StdDev_32f_C3CMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                              OruSize roiSize, int coi, Oru64f* pMean, Oru64f* pStdDev);
+/* The kernel behind the 8-bit sums: sum (wrapping) and sum of squares of the
+ * region. No argument checks: width and height at least 1. Returns
+ * oruStsOk. */
+ORUCV_API OruStatus a6_orcvSumSq_8s_C1R(const Oru8s* pSrc, int srcStep, int width, int height, Oru32s* pSum,
+                                        long long* pSumSq);
+/* Smallest and largest value with the location (x column, y row in the
+ * region) of the first pixel in raster order that holds each. Floats are
+ * ordered by their order keys: -0.0 below +0.0, NaNs beyond the infinities
+ * on their sign's side; a pixel of +infinity never becomes the minimum nor
+ * one of -infinity the maximum. When no pixel takes part (an empty mask, a
+ * zero-sized region) or one extreme is never found (every pixel +infinity,
+ * or every pixel -infinity), both values are 0.0 and both locations (0, 0);
+ * a region of width 0 gives the same. 8-bit values are converted exactly. */
+ORUCV_API OruStatus oruiMinMaxIndx_8u_C1R(const Oru8u* pSrc, int srcStep, OruSize roiSize, Oru32f* pMinVal,
+                                          Oru32f* pMaxVal, OruPoint* pMinIndex, OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_8u_C3CR(const Oru8u* pSrc, int srcStep, OruSize roiSize, int coi, Oru32f* pMinVal,
+                                           Oru32f* pMaxVal, OruPoint* pMinIndex, OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_8s_C1R(const Oru8s* pSrc, int srcStep, OruSize roiSize, Oru32f* pMinVal,
+                                          Oru32f* pMaxVal, OruPoint* pMinIndex, OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_8s_C3CR(const Oru8s* pSrc, int srcStep, OruSize roiSize, int coi, Oru32f* pMinVal,
+                                           Oru32f* pMaxVal, OruPoint* pMinIndex, OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_32f_C1R(const Oru32f* pSrc, int srcStep, OruSize roiSize, Oru32f* pMinVal,
+                                           Oru32f* pMaxVal, OruPoint* pMinIndex, OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_32f_C3CR(const Oru32f* pSrc, int srcStep, OruSize roiSize, int coi,
+                                            Oru32f* pMinVal, Oru32f* pMaxVal, OruPoint* pMinIndex,
+                                            OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_8u_C1MR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                           OruSize roiSize, Oru32f* pMinVal, Oru32f* pMaxVal, OruPoint* pMinIndex,
+                                           OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_8u_C3CMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                            OruSize roiSize, int coi, Oru32f* pMinVal, Oru32f* pMaxVal,
+                                            OruPoint* pMinIndex, OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_8s_C1MR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                           OruSize roiSize, Oru32f* pMinVal, Oru32f* pMaxVal, OruPoint* pMinIndex,
+                                           OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_8s_C3CMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                            OruSize roiSize, int coi, Oru32f* pMinVal, Oru32f* pMaxVal,
+                                            OruPoint* pMinIndex, OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_32f_C1MR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                            OruSize roiSize, Oru32f* pMinVal, Oru32f* pMaxVal, OruPoint* pMinIndex,
+                                            OruPoint* pMaxIndex);
+ORUCV_API OruStatus oruiMinMaxIndx_32f_C3CMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                             OruSize roiSize, int coi, Oru32f* pMinVal, Oru32f* pMaxVal,
+                                             OruPoint* pMinIndex, OruPoint* pMaxIndex);
+/* Norms of the masked pixels (of the channel coi): Inf the largest
+ * magnitude, L1 the sum of magnitudes, L2 the square root of the sum of
+ * squares; 0 when the mask selects nothing. 8-bit magnitudes are exact
+ * (|-128| is 128); the 8-bit L1 norm is the wrapping 32-bit sum. Float sums
+ * are single precision in four lanes (pixel x of a row in lane x mod 4),
+ * added (0 + 2) + (1 + 3); the float Inf norm is the largest magnitude, a NaN
+ * above every number. */
+ORUCV_API OruStatus oruiNorm_Inf_8u_C1MR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_Inf_8u_C3CMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                          OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_Inf_8s_C1MR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_Inf_8s_C3CMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                          OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_Inf_32f_C1MR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                          OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_Inf_32f_C3CMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                           OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L1_8u_C1MR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                        OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L1_8u_C3CMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L1_8s_C1MR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                        OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L1_8s_C3CMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L1_32f_C1MR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L1_32f_C3CMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                          OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L2_8u_C1MR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                        OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L2_8u_C3CMR(const Oru8u* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L2_8s_C1MR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                        OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L2_8s_C3CMR(const Oru8s* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, int coi, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L2_32f_C1MR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                         OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNorm_L2_32f_C3CMR(const Oru32f* pSrc, int srcStep, const Oru8u* pMask, int maskStep,
+                                          OruSize roiSize, int coi, Oru64f* pNorm);
+/* The same norms of the difference pSrc1 - pSrc2 (float: in single
+ * precision). */
+ORUCV_API OruStatus oruiNormDiff_Inf_8u_C1MR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_Inf_8u_C3CMR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                              const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                              Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_Inf_8s_C1MR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_Inf_8s_C3CMR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                              const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                              Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_Inf_32f_C1MR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                              const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_Inf_32f_C3CMR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                               const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                               Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L1_8u_C1MR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L1_8u_C3CMR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L1_8s_C1MR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L1_8s_C3CMR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L1_32f_C1MR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L1_32f_C3CMR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                              const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                              Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L2_8u_C1MR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L2_8u_C3CMR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L2_8s_C1MR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L2_8s_C3CMR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L2_32f_C1MR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormDiff_L2_32f_C3CMR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                              const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                              Oru64f* pNorm);
+/* NormDiff relative to the same norm of pSrc2 (L2: the square root of the
+ * quotient of the sums of squares). A zero reference gives the quotient
+ * with 2^-52 in its place: the 8-bit forms multiply the numerator by 2^52,
+ * the float forms divide by 2^-52 when the reference equals 0.0 (a NaN
+ * reference is used as it is). */
+ORUCV_API OruStatus oruiNormRel_Inf_8u_C1MR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_Inf_8u_C3CMR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_Inf_8s_C1MR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_Inf_8s_C3CMR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_Inf_32f_C1MR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_Inf_32f_C3CMR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                              const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                              Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L1_8u_C1MR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                           const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L1_8u_C3CMR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                            Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L1_8s_C1MR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                           const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L1_8s_C3CMR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                            Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L1_32f_C1MR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L1_32f_C3CMR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L2_8u_C1MR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                           const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L2_8u_C3CMR(const Oru8u* pSrc1, int src1Step, const Oru8u* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                            Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L2_8s_C1MR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                           const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L2_8s_C3CMR(const Oru8s* pSrc1, int src1Step, const Oru8s* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                            Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L2_32f_C1MR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                            const Oru8u* pMask, int maskStep, OruSize roiSize, Oru64f* pNorm);
+ORUCV_API OruStatus oruiNormRel_L2_32f_C3CMR(const Oru32f* pSrc1, int src1Step, const Oru32f* pSrc2, int src2Step,
+                                             const Oru8u* pMask, int maskStep, OruSize roiSize, int coi,
+                                             Oru64f* pNorm);
+
 #ifdef __cplusplus
 }
 #endif

@@ -19,6 +19,7 @@
 #include "pyramid_list.h"
 #include "samplers_list.h"
 #include "sobel3x3_list.h"
+#include "stats_list.h"
 
 #define ORUCV_LISTED_FUNCTIONS(X)     \
     ORUCV_ABSDIFF_FUNCTIONS(X)        \
@@ -34,7 +35,8 @@
     ORUCV_DISTRANSFORM_FUNCTIONS(X)   \
     ORUCV_FLOODFILL_FUNCTIONS(X)      \
     ORUCV_MATCHTEMPLATE_FUNCTIONS(X)  \
-    ORUCV_PYRAMID_FUNCTIONS(X)
+    ORUCV_PYRAMID_FUNCTIONS(X)        \
+    ORUCV_STATS_FUNCTIONS(X)
 
 // Every family has its list, so every declared name must stand in one.
 #define ORUCV_ALL_FAMILIES_LISTED 1

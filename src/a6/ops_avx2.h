@@ -411,6 +411,73 @@ struct Avx2 {
     static I pack_u16_u8(I a, I b) { return _mm256_permute4x64_epi64(_mm256_packus_epi16(a, b), _MM_SHUFFLE(3, 1, 2, 0)); }
     static void streamf(float* p, F v) { _mm256_stream_ps(p, v); }
     static void prefetch_l2(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T1); }
+
+    // ---- Statistics: channel 0 of three, magnitudes, horizontal extremes,
+    //      doubles (see ops_sse2.h)
+    // Each 128-bit half gathers channel 0 of 16 pixels (48 bytes) from
+    // three loads; the shuffles pick bytes 0, 3, ... 15, then 2, 5, ... 14,
+    // then 1, 4, ... 13 of the three.
+    static I load_deinterleave3_u8(const uint8_t* p) {
+        const auto pair = [](const uint8_t* lo, const uint8_t* hi) {
+            return _mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(lo))),
+                                           _mm_loadu_si128(reinterpret_cast<const __m128i*>(hi)), 1);
+        };
+        const I a = pair(p, p + 48), b = pair(p + 16, p + 64), c = pair(p + 32, p + 80);
+        const I sa = _mm256_setr_epi8(0, 3, 6, 9, 12, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1,  //
+                                      0, 3, 6, 9, 12, 15, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1);
+        const I sb = _mm256_setr_epi8(-1, -1, -1, -1, -1, -1, 2, 5, 8, 11, 14, -1, -1, -1, -1, -1,  //
+                                      -1, -1, -1, -1, -1, -1, 2, 5, 8, 11, 14, -1, -1, -1, -1, -1);
+        const I sc = _mm256_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 1, 4, 7, 10, 13,  //
+                                      -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 1, 4, 7, 10, 13);
+        return _mm256_or_si256(_mm256_or_si256(_mm256_shuffle_epi8(a, sa), _mm256_shuffle_epi8(b, sb)),
+                               _mm256_shuffle_epi8(c, sc));
+    }
+    static F load_deinterleave3_f(const float* p) {
+        const F x0 = loadf(p), x1 = loadf(p + 8), x2 = loadf(p + 16);
+        // a0 a3 a6 a1 a4 a7 a2 a5, then into order.
+        const F b = _mm256_blend_ps(_mm256_blend_ps(x0, x1, 0x92), x2, 0x24);
+        return _mm256_permutevar8x32_ps(b, _mm256_setr_epi32(0, 3, 6, 1, 4, 7, 2, 5));
+    }
+    static I abs_s8(I v) { return _mm256_abs_epi8(v); }
+    static I absdiff_s8(I a, I b) { return _mm256_sub_epi8(_mm256_max_epi8(a, b), _mm256_min_epi8(a, b)); }
+    static I sumsq4_u8(I x) {
+        const I lo = _mm256_unpacklo_epi8(x, _mm256_setzero_si256()), hi = _mm256_unpackhi_epi8(x, _mm256_setzero_si256());
+        return _mm256_add_epi32(_mm256_madd_epi16(lo, lo), _mm256_madd_epi16(hi, hi));
+    }
+    static int reduce_min_u8(I v) {
+        __m128i h = _mm_min_epu8(low(v), high(v));
+        h = _mm_min_epu8(h, _mm_srli_si128(h, 8));
+        h = _mm_min_epu8(h, _mm_srli_si128(h, 4));
+        h = _mm_min_epu8(h, _mm_srli_si128(h, 2));
+        h = _mm_min_epu8(h, _mm_srli_si128(h, 1));
+        return _mm_cvtsi128_si32(h) & 0xFF;
+    }
+    static int reduce_max_u8(I v) {
+        __m128i h = _mm_max_epu8(low(v), high(v));
+        h = _mm_max_epu8(h, _mm_srli_si128(h, 8));
+        h = _mm_max_epu8(h, _mm_srli_si128(h, 4));
+        h = _mm_max_epu8(h, _mm_srli_si128(h, 2));
+        h = _mm_max_epu8(h, _mm_srli_si128(h, 1));
+        return _mm_cvtsi128_si32(h) & 0xFF;
+    }
+    static int32_t reduce_min_s32(I v) {
+        __m128i h = _mm_min_epi32(low(v), high(v));
+        h = _mm_min_epi32(h, _mm_srli_si128(h, 8));
+        h = _mm_min_epi32(h, _mm_srli_si128(h, 4));
+        return _mm_cvtsi128_si32(h);
+    }
+    static int32_t reduce_max_s32(I v) {
+        __m128i h = _mm_max_epi32(low(v), high(v));
+        h = _mm_max_epi32(h, _mm_srli_si128(h, 8));
+        h = _mm_max_epi32(h, _mm_srli_si128(h, 4));
+        return _mm_cvtsi128_si32(h);
+    }
+    static F swap_halvesf(F v) { return _mm256_permute2f128_ps(v, v, 1); }
+    static D maxd(D a, D b) { return _mm256_max_pd(a, b); }
+    static D mind(D a, D b) { return _mm256_min_pd(a, b); }
+    static D cmpltd(D a, D b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
+    static unsigned movemaskd(D v) { return static_cast<unsigned>(_mm256_movemask_pd(v)); }
+    static D widen_hi_f(F v) { return _mm256_cvtps_pd(_mm256_extractf128_ps(v, 1)); }
 };
 
 }  // namespace

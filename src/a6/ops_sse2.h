@@ -422,6 +422,72 @@ struct Sse2 {
     static void streamf(float* p, F v) { _mm_stream_ps(p, v); }
     // Brings the line at p into the second-level cache.
     static void prefetch_l2(const void* p) { _mm_prefetch(static_cast<const char*>(p), _MM_HINT_T1); }
+
+    // ---- Statistics: channel 0 of three, magnitudes, horizontal extremes,
+    //      doubles
+    // Channel 0 of kBytes three-channel pixels: reads exactly 3 * kBytes bytes.
+    static I load_deinterleave3_u8(const uint8_t* p) {
+        const auto hi64 = [](I v) { return _mm_unpackhi_epi64(v, v); };
+        const I t00 = load(p), t01 = load(p + 16), t02 = load(p + 32);
+        const I t10 = _mm_unpacklo_epi8(t00, hi64(t01));
+        const I t11 = _mm_unpacklo_epi8(hi64(t00), t02);
+        const I t12 = _mm_unpacklo_epi8(t01, hi64(t02));
+        const I t20 = _mm_unpacklo_epi8(t10, hi64(t11));
+        const I t21 = _mm_unpacklo_epi8(hi64(t10), t12);
+        const I t22 = _mm_unpacklo_epi8(t11, hi64(t12));
+        const I t30 = _mm_unpacklo_epi8(t20, hi64(t21));
+        const I t31 = _mm_unpacklo_epi8(hi64(t20), t22);
+        return _mm_unpacklo_epi8(t30, hi64(t31));
+    }
+    // Channel 0 of kFloats three-channel pixels: reads exactly 3 * kFloats floats.
+    static F load_deinterleave3_f(const float* p) {
+        const F x0 = loadf(p), x1 = loadf(p + 4), x2 = loadf(p + 8);
+        const F u = _mm_shuffle_ps(x1, x2, _MM_SHUFFLE(0, 1, 0, 2));  // x1[2], x2[1] at 0 and 2
+        return _mm_shuffle_ps(x0, u, _MM_SHUFFLE(2, 0, 3, 0));
+    }
+    // Magnitudes of signed bytes as unsigned bytes (|-128| = 128).
+    static I abs_s8(I v) { return _mm_min_epu8(v, _mm_sub_epi8(_mm_setzero_si128(), v)); }
+    // |a - b| of signed bytes as unsigned bytes (0..255).
+    static I absdiff_s8(I a, I b) { return absdiff_u8(xor_(a, set8(0x80)), xor_(b, set8(0x80))); }
+    // Sums of squares of unsigned bytes in 32-bit lanes, each the sum of four
+    // squares (which four is up to the set: for order-free integer sums).
+    static I sumsq4_u8(I x) {
+        const I lo = _mm_unpacklo_epi8(x, _mm_setzero_si128()), hi = _mm_unpackhi_epi8(x, _mm_setzero_si128());
+        return _mm_add_epi32(_mm_madd_epi16(lo, lo), _mm_madd_epi16(hi, hi));
+    }
+    static int reduce_min_u8(I v) {
+        v = _mm_min_epu8(v, _mm_srli_si128(v, 8));
+        v = _mm_min_epu8(v, _mm_srli_si128(v, 4));
+        v = _mm_min_epu8(v, _mm_srli_si128(v, 2));
+        v = _mm_min_epu8(v, _mm_srli_si128(v, 1));
+        return _mm_cvtsi128_si32(v) & 0xFF;
+    }
+    static int reduce_max_u8(I v) {
+        v = _mm_max_epu8(v, _mm_srli_si128(v, 8));
+        v = _mm_max_epu8(v, _mm_srli_si128(v, 4));
+        v = _mm_max_epu8(v, _mm_srli_si128(v, 2));
+        v = _mm_max_epu8(v, _mm_srli_si128(v, 1));
+        return _mm_cvtsi128_si32(v) & 0xFF;
+    }
+    static int32_t reduce_min_s32(I v) {
+        v = min32(v, _mm_srli_si128(v, 8));
+        v = min32(v, _mm_srli_si128(v, 4));
+        return _mm_cvtsi128_si32(v);
+    }
+    static int32_t reduce_max_s32(I v) {
+        v = max32(v, _mm_srli_si128(v, 8));
+        v = max32(v, _mm_srli_si128(v, 4));
+        return _mm_cvtsi128_si32(v);
+    }
+    // The two halves of the vector exchanged.
+    static F swap_halvesf(F v) { return _mm_shuffle_ps(v, v, _MM_SHUFFLE(1, 0, 3, 2)); }
+    // More doubles: extremes, comparisons, the high half of v widened.
+    static D maxd(D a, D b) { return _mm_max_pd(a, b); }
+    static D mind(D a, D b) { return _mm_min_pd(a, b); }
+    static D cmpltd(D a, D b) { return _mm_cmplt_pd(a, b); }
+    static unsigned movemaskd(D v) { return static_cast<unsigned>(_mm_movemask_pd(v)); }
+    // The floats of the low and of the high half of v, as doubles.
+    static D widen_hi_f(F v) { return _mm_cvtps_pd(_mm_movehl_ps(v, v)); }
 };
 
 }  // namespace

@@ -352,4 +352,35 @@ inline OruStatus check_pyramid_buffer_size(int width, int dataType, int channels
     return oruStsOk;
 }
 
+// The coi argument of the order helpers for a function that has a channel
+// of interest: there a coi of 0 must fail like any other out of range, while
+// the helpers read 0 as "no channel".
+inline int coi_to_check(int coi) { return coi == 0 ? -1 : coi; }
+
+// Order C with the channel of interest tested before the float source step
+// (the one mean that departs from order C).
+inline OruStatus check_order_c_coi_first(std::initializer_list<const void*> pointers,
+                                         std::initializer_list<int> steps, OruSize roi, int float_src_step,
+                                         int coi) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (roi.width < 1 || roi.height < 1) return oruStsSize;
+    if (any_step_below(steps, 1)) return oruStsStep;
+    if (coi < 1 || coi > 3) return oruStsCoi;
+    if (float_src_step % 4 != 0) return oruStsNotEvenStep;
+    return oruStsOk;
+}
+
+// Norms: pointers, every step (the mask's too) >= 1, size >= 1, then coi
+// (0 when the function has none), then the float image steps divisible by 4
+// (pass none for 8-bit images; the mask step is never tested).
+inline OruStatus check_order_norm(std::initializer_list<const void*> pointers, std::initializer_list<int> steps,
+                                  OruSize roi, int coi, std::initializer_list<int> float_steps) {
+    if (any_null(pointers)) return oruStsNullPointer;
+    if (any_step_below(steps, 1)) return oruStsStep;
+    if (roi.width < 1 || roi.height < 1) return oruStsSize;
+    if (coi && (coi < 1 || coi > 3)) return oruStsCoi;
+    if (any_step_not_multiple(float_steps, 4)) return oruStsNotEvenStep;
+    return oruStsOk;
+}
+
 }  // namespace orucv

@@ -168,6 +168,52 @@ nothing_on_failure)
     grep -q "min .* ms, median .* ms of 3 runs" out.txt || fail "--repeat 3: $(cat out.txt)"
     grep -q "best match at (0, 0), 64x48, score 1" out.txt || fail "best match: $(cat out.txt)"
     ;;
+stats)
+    # Statistics of a 4x1 image: 0 255 10 20; a mask selecting 255 and 20.
+    printf 'P5 4 1 255\n\x00\xff\x0a\x14' >four.pgm
+    printf 'P5 4 1 255\n\x00\x07\x00\x01' >half.pgm
+    printf 'P5 4 1 255\n\x00\x00\x00\x00' >none.pgm
+    expect 0 "out:mean 71.25, standard deviation 106.323504" -- "$ORUCV" stats four.pgm
+    expect 0 "out:minimum 0 at (0, 0), maximum 255 at (1, 0)" -- "$ORUCV" stats four.pgm
+    expect 0 "out:norms: Inf 255, L1 285, L2 255.9785147" -- "$ORUCV" stats four.pgm
+    expect 0 "out:the mask selects 2 of 4 pixels" -- "$ORUCV" stats four.pgm --mask half.pgm
+    expect 0 "out:mean 137.5, standard deviation 117.5" -- "$ORUCV" stats four.pgm --mask half.pgm
+    expect 0 "out:no pixel selected" -- "$ORUCV" stats four.pgm --mask none.pgm
+    # Channel 2 of two colour pixels: 2 and 5.
+    printf 'P6 2 1 255\n\x01\x02\x03\x04\x05\x06' >two.ppm
+    expect 0 "out:mean 3.5, standard deviation 1.5" -- "$ORUCV" stats two.ppm --coi 2
+    expect 0 "out:minimum 2 at (0, 0), maximum 5 at (1, 0)" -- "$ORUCV" stats two.ppm --coi 2
+    expect 0 "out: channel 3" -- "$ORUCV" stats two.ppm
+    expect 2 "this one is gray" -- "$ORUCV" stats four.pgm --coi 2
+    expect 2 "--coi needs a whole number from 1 to 3" -- "$ORUCV" stats two.ppm --coi 4
+    expect 2 "the mask is 4x1, the image 4x2" -- "$ORUCV" stats wide.pgm --mask four.pgm
+    # 16-bit samples are measured exactly, as floats.
+    expect 0 "out:norms: Inf 65535, L1 147208" -- "$ORUCV" stats wide.pgm
+    # Sums of more bytes than a 32-bit sum holds: 8601600 pixels of 255.
+    { printf 'P5 4096 2100 255\n'; head -c 8601600 /dev/zero | tr '\0' '\377'; } >white.pgm
+    # Sums of more bytes than a 32-bit sum holds, measured in bands: 8601600
+    # pixels of 255, then the same with 0 in the first row's first pixel and
+    # 1 in the last row's.
+    expect 0 "out:in bands of 2056 rows" -- "$ORUCV" stats white.pgm
+    expect 0 "out:mean 255, standard deviation 0" -- "$ORUCV" stats white.pgm
+    expect 0 "out:norms: Inf 255, L1 2193408000, L2 747876.3534" -- "$ORUCV" stats white.pgm
+    { printf 'P5 4096 2100 255\n\x00'; head -c 8597503 /dev/zero | tr '\0' '\377'; printf '\x01'; \
+      head -c 4095 /dev/zero | tr '\0' '\377'; } >dots.pgm
+    expect 0 "out:minimum 0 at (0, 0), maximum 255 at (1, 0)" -- "$ORUCV" stats dots.pgm
+    expect 0 "out:mean 254.9999408, standard deviation 0.1227196056" -- "$ORUCV" stats dots.pgm
+    expect 1 "out:difference norms: Inf 255, L1 509, L2 359.9180462" -- "$ORUCV" compare white.pgm dots.pgm
+    rm -f white.pgm dots.pgm
+    # compare: 0 for equal images, 1 for different ones, 2 for errors.
+    expect 0 "out:the images are equal" -- "$ORUCV" compare four.pgm four.pgm
+    expect 1 "out:difference norms: Inf 255, L1 285" -- "$ORUCV" compare four.pgm none.pgm
+    expect 1 "out:relative to the second: Inf 1.148417905e+18" -- "$ORUCV" compare four.pgm none.pgm
+    expect 1 "out:PSNR 5.99 dB (peak 255): the images differ" -- "$ORUCV" compare four.pgm none.pgm
+    expect 0 "out:no pixel selected" -- "$ORUCV" compare four.pgm none.pgm --mask none.pgm
+    expect 1 "out:difference norms: Inf 255, L1 275" -- "$ORUCV" compare four.pgm none.pgm --mask half.pgm
+    expect 0 "out:PSNR infinite (peak 65535)" -- "$ORUCV" compare wide.pgm wide.pgm
+    expect 2 "the images differ in size or channels" -- "$ORUCV" compare four.pgm wide.pgm
+    expect 2 "missing B" -- "$ORUCV" compare four.pgm
+    ;;
 streaming)
     # convert streams rows: memory stays small whatever the height, and the
     # bytes come out as they went in.
