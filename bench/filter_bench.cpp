@@ -23,8 +23,8 @@ template <class S, class D>
 struct Frame {
     std::vector<S> src;
     std::vector<D> dst;
-    OruFilterSpec* spec = nullptr;
-    ~Frame() { oruiConvolFree(&spec); }
+    OruFilterSpec* fspec = nullptr;
+    ~Frame() { oruiConvolFree(&fspec); }
 };
 
 using Filter = OruStatus (*)(const void*, int, void*, int, OruSize*, OruFilterSpec*, int);
@@ -41,14 +41,14 @@ void add(const char* name, Kind kind, Filter filter) {
                 f->src.assign(scene.begin(), scene.end());
                 f->dst.resize(static_cast<size_t>(w) * h);
                 const int type = type_of<S>();
-                if (kind == kSobel) oruiSobelInitAlloc(w, type, size, 0, 1, 0, &f->spec);
-                else if (kind == kBlur) oruiBlurInitAlloc(w, type, size, &f->spec);
-                else oruiLaplaceInitAlloc(w, type, size, &f->spec);
+                if (kind == kSobel) oruiSobelInitAlloc(w, type, size, 0, 1, 0, &f->fspec);
+                else if (kind == kBlur) oruiBlurInitAlloc(w, type, size, &f->fspec);
+                else oruiLaplaceInitAlloc(w, type, size, &f->fspec);
                 return [f, w, h, strip, filter] {
                     const int ss = w * static_cast<int>(sizeof(S)), ds = w * static_cast<int>(sizeof(D));
                     if (!strip) {
                         OruSize roi{w, h};
-                        filter(f->src.data(), ss, f->dst.data(), ds, &roi, f->spec, 0);
+                        filter(f->src.data(), ss, f->dst.data(), ds, &roi, f->fspec, 0);
                         return;
                     }
                     int out = 0;
@@ -56,7 +56,7 @@ void add(const char* name, Kind kind, Filter filter) {
                         OruSize roi{w, y + strip < h ? strip : h - y};
                         const int flag = y == 0 ? 1 : y + strip < h ? 4 : 2;
                         filter(&f->src[static_cast<size_t>(y) * w], ss, &f->dst[static_cast<size_t>(out) * w], ds, &roi,
-                               f->spec, flag);
+                               f->fspec, flag);
                         out += roi.height;
                     }
                 };

@@ -697,7 +697,7 @@ ORUCV_API OruStatus oruiMatchTemplateGetBufSize_CoeffNormed(OruSize srcRoiSize, 
  * rows are held back, and the last strip writes them out, so its
  * destination needs room for its rows plus n/2. Flags 1, 4, ..., 4, 2 over
  * any split of an image give exactly the rows of one flag-0 call. The last
- * strip (or a flag-0 call) ends the pass: the specification is fresh again.
+ * strip (or a flag-0 call) ends the pass: the filter specification is fresh again.
  * A fresh specification accepts only flags 0 and 1; flag 1 or 0 given
  * during a pass starts a new one. Destination row j of a call is written
  * only after source row j of the call was read, so the destination may be
@@ -739,7 +739,7 @@ ORUCV_API OruStatus oruiMatchTemplateGetBufSize_CoeffNormed(OruSize srcRoiSize, 
  *   (oruStsSize); dataType not 1, 2 or 9 (oruStsBadArg).
  *   All three return oruStsMemAlloc when the memory (a header and up to
  *   2 n rows of 4 bytes per pixel) cannot be had.
- * oruiConvolFree releases the specification held in *ppSpec and sets
+ * oruiConvolFree releases the filter specification held in *ppSpec and sets
  * *ppSpec to NULL (a variable holding NULL, or a pointer that cannot come
  * from the allocator, is left alone); ppSpec NULL gives oruStsNullPointer. */
 typedef struct OruFilterSpec OruFilterSpec;

@@ -21,7 +21,7 @@ namespace {
 
 enum Kind { kSobel, kBlur, kLaplace };
 
-using Call = OruStatus (*)(const void* src, int srcStep, void* dst, int dstStep, OruSize* roi, OruFilterSpec* spec,
+using Call = OruStatus (*)(const void* src, int srcStep, void* dst, int dstStep, OruSize* roi, OruFilterSpec* fspec,
                            int flag);
 struct Function {
     const char* name;
@@ -63,15 +63,15 @@ const Config kConfigs[] = {{kSobel, 3, 1, 0},    {kSobel, 5, 1, 3, 1}, {kSobel, 
                            {kBlur, 5},           {kBlur, 7},           {kLaplace, 3},        {kLaplace, 5},
                            {kLaplace, 7}};
 
-struct Spec {
+struct FilterHandle {
     OruFilterSpec* p = nullptr;
-    Spec(const Config& c, int type, int width) {
+    FilterHandle(const Config& c, int type, int width) {
         const OruStatus s = c.kind == kSobel ? oruiSobelInitAlloc(width, type, c.size, c.origin, c.xorder, c.yorder, &p)
                             : c.kind == kBlur ? oruiBlurInitAlloc(width, type, c.size, &p)
                                               : oruiLaplaceInitAlloc(width, type, c.size, &p);
         EXPECT_EQ(s, oruStsOk);
     }
-    ~Spec() { oruiConvolFree(&p); }
+    ~FilterHandle() { oruiConvolFree(&p); }
 };
 
 template <class S, class D>
@@ -95,13 +95,14 @@ Plain<D> model(const Config& c, const Plain<S>& s) {
 template <class S, class D>
 void run_strips(const Config& c, const GuardedImage<S>& src, GuardedImage<D>& dst, const std::vector<int>& strips) {
     const Function& fn = function(c.kind, type_of<S>());
-    Spec spec(c, type_of<S>(), src.width());
+    FilterHandle fspec(c, type_of<S>(), src.width());
     int in = 0, out = 0;
     for (size_t i = 0; i < strips.size(); ++i) {
         const bool last = i + 1 == strips.size();
         const int flag = strips.size() == 1 ? 0 : i == 0 ? 1 : last ? 2 : 4;
         OruSize roi{src.width(), strips[i]};
-        ASSERT_EQ(fn.call(src.row(in), src.step(), dst.row(out), dst.step(), &roi, spec.p, flag), oruStsOk) << fn.name;
+        ASSERT_EQ(fn.call(src.row(in), src.step(), dst.row(out), dst.step(), &roi, fspec.p, flag), oruStsOk)
+            << fn.name;
         in += strips[i];
         const int held = last ? 0 : std::min(c.size / 2, in);
         EXPECT_EQ(roi.height, in - held - out) << fn.name << " strip " << i;
@@ -140,16 +141,16 @@ void for_each_type(F f) {
 }  // namespace
 
 TEST(FilterChecks, SobelOrder) {
-    Spec s8({kSobel, 3, 1, 0}, oruDataType8u, 8), s32({kSobel, 3, 1, 0}, oruDataType32f, 8);
+    FilterHandle s8({kSobel, 3, 1, 0}, oruDataType8u, 8), s32({kSobel, 3, 1, 0}, oruDataType32f, 8);
     GuardedImage<Oru8u> a(8, 4);
     GuardedImage<Oru16s> d(8, 4);
     GuardedImage<Oru32f> fa(8, 4), fd(8, 4);
     const auto before = d.snapshot();
     const auto fbefore = fd.snapshot();
     OruSize roi{8, 4};
-    auto u8 = [&](int ss, int ds, OruSize r, int flag, OruFilterSpec* spec, const Oru8u* src) {
+    auto u8 = [&](int ss, int ds, OruSize r, int flag, OruFilterSpec* fspec, const Oru8u* src) {
         roi = r;
-        const OruStatus st = oruiSobel_8u16s_C1R(src, ss, d.data(), ds, &roi, spec, flag);
+        const OruStatus st = oruiSobel_8u16s_C1R(src, ss, d.data(), ds, &roi, fspec, flag);
         EXPECT_EQ(roi.height, r.height);  // untouched on failure
         return st;
     };
@@ -170,9 +171,9 @@ TEST(FilterChecks, SobelOrder) {
     EXPECT_EQ(d.snapshot(), before);
 
     // The float member: steps below the row or not a multiple of 4 are size faults too.
-    auto f32 = [&](int ss, int ds, int flag, OruFilterSpec* spec) {
+    auto f32 = [&](int ss, int ds, int flag, OruFilterSpec* fspec) {
         roi = {8, 4};
-        return oruiSobel_32f_C1R(fa.data(), ss, fd.data(), ds, &roi, spec, flag);
+        return oruiSobel_32f_C1R(fa.data(), ss, fd.data(), ds, &roi, fspec, flag);
     };
     EXPECT_EQ(f32(30, 32, 0, s32.p), oruStsSize);
     EXPECT_EQ(f32(34, 32, 0, s32.p), oruStsSize);
@@ -188,11 +189,12 @@ TEST(FilterChecks, BlurAndLaplaceOrder) {
     for (Kind kind : {kBlur, kLaplace}) {
         const auto before = d.snapshot();
         const auto fbefore = fd.snapshot();
-        Spec s8({kind, 3}, oruDataType8s, 8), s32({kind, 3}, oruDataType32f, 8), other({kSobel, 3, 1, 0}, oruDataType8u, 8);
+        FilterHandle s8({kind, 3}, oruDataType8s, 8), s32({kind, 3}, oruDataType32f, 8),
+            other({kSobel, 3, 1, 0}, oruDataType8u, 8);
         const Function& f8 = function(kind, oruDataType8u);
         const Function& f32 = function(kind, oruDataType32f);
-        auto u8 = [&](int ss, int ds, OruSize r, int flag, OruFilterSpec* spec, const void* src = nullptr) {
-            return f8.call(src ? src : a.data(), ss, d.data(), ds, &r, spec, flag);
+        auto u8 = [&](int ss, int ds, OruSize r, int flag, OruFilterSpec* fspec, const void* src = nullptr) {
+            return f8.call(src ? src : a.data(), ss, d.data(), ds, &r, fspec, flag);
         };
         SCOPED_TRACE(f8.name);
         EXPECT_EQ(u8(0, 0, {-1, 4}, 9, nullptr), oruStsNullPointer);
@@ -258,19 +260,19 @@ TEST(FilterSpecs, CreationAndRelease) {
 TEST(FilterSpecs, PassesAndFlags) {
     GuardedImage<Oru32f> src(5, 6), dst(5, 9);
     src.fill_random(3, -5, 5);
-    Spec spec({kLaplace, 5}, oruDataType32f, 5);
+    FilterHandle fspec({kLaplace, 5}, oruDataType32f, 5);
     OruSize roi{5, 3};
-    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, spec.p, 1), oruStsOk);
+    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, fspec.p, 1), oruStsOk);
     EXPECT_EQ(roi.height, 1);
     roi = {5, 2};
-    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, spec.p, 1), oruStsOk);
+    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, fspec.p, 1), oruStsOk);
     EXPECT_EQ(roi.height, 0);  // restarted: both rows held back
     roi = {5, 1};
-    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, spec.p, 2), oruStsOk);
+    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, fspec.p, 2), oruStsOk);
     EXPECT_EQ(roi.height, 3);
     roi = {5, 1};
-    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, spec.p, 4), oruStsBadArg);
-    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, spec.p, 0), oruStsOk);
+    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, fspec.p, 4), oruStsBadArg);
+    EXPECT_EQ(oruiLaplace_32f_C1R(src.data(), src.step(), dst.data(), dst.step(), &roi, fspec.p, 0), oruStsOk);
     EXPECT_EQ(roi.height, 1);
 }
 
@@ -474,10 +476,10 @@ TEST(FilterPaths, UnalignedFloatRowsAndInPlace) {
     run_strips({kBlur, 5}, aligned, expected, {h});
     expect_same_on_every_path([&] {
         GuardedImage<Oru8u> work = bytes;
-        Spec spec({kBlur, 5}, oruDataType32f, w);
+        FilterHandle fspec({kBlur, 5}, oruDataType32f, w);
         OruSize roi{w, h};
         auto* p = reinterpret_cast<Oru32f*>(work.data() + 2);  // rows at 2 mod 4
-        EXPECT_EQ(oruiBlur_32f_C1R(p, step, p, step, &roi, spec.p, 0), oruStsOk);
+        EXPECT_EQ(oruiBlur_32f_C1R(p, step, p, step, &roi, fspec.p, 0), oruStsOk);
         for (int y = 0; y < h; ++y) EXPECT_EQ(std::memcmp(work.row(y) + 2, expected.row(y), 4 * w), 0) << y;
         return work.region_bytes();
     });

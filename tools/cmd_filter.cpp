@@ -28,9 +28,9 @@ const char* function_name(FilterKind kind) {
 }
 
 // A filter specification released on every path.
-struct Spec {
+struct FilterHandle {
     OruFilterSpec* p = nullptr;
-    Spec(FilterKind kind, int width, int size, int xorder, int yorder) {
+    FilterHandle(FilterKind kind, int width, int size, int xorder, int yorder) {
         const OruStatus s = kind == FilterKind::Sobel ? oruiSobelInitAlloc(width, oruDataType8u, size, 0, xorder, yorder, &p)
                             : kind == FilterKind::Blur ? oruiBlurInitAlloc(width, oruDataType8u, size, &p)
                                                        : oruiLaplaceInitAlloc(width, oruDataType8u, size, &p);
@@ -38,16 +38,16 @@ struct Spec {
                         : kind == FilterKind::Blur ? "oruiBlurInitAlloc"
                                                    : "oruiLaplaceInitAlloc");
     }
-    ~Spec() { oruiConvolFree(&p); }
-    Spec(const Spec&) = delete;
-    Spec& operator=(const Spec&) = delete;
+    ~FilterHandle() { oruiConvolFree(&p); }
+    FilterHandle(const FilterHandle&) = delete;
+    FilterHandle& operator=(const FilterHandle&) = delete;
 };
 
 OruStatus filter_strip(FilterKind kind, const Oru8u* src, int srcStep, Oru16s* dst, int dstStep, OruSize* roi,
-                       OruFilterSpec* spec, int flag) {
-    if (kind == FilterKind::Sobel) return oruiSobel_8u16s_C1R(src, srcStep, dst, dstStep, roi, spec, flag);
-    if (kind == FilterKind::Blur) return oruiBlur_8u16s_C1R(src, srcStep, dst, dstStep, roi, spec, flag);
-    return oruiLaplace_8u16s_C1R(src, srcStep, dst, dstStep, roi, spec, flag);
+                       OruFilterSpec* fspec, int flag) {
+    if (kind == FilterKind::Sobel) return oruiSobel_8u16s_C1R(src, srcStep, dst, dstStep, roi, fspec, flag);
+    if (kind == FilterKind::Blur) return oruiBlur_8u16s_C1R(src, srcStep, dst, dstStep, roi, fspec, flag);
+    return oruiLaplace_8u16s_C1R(src, srcStep, dst, dstStep, roi, fspec, flag);
 }
 
 // Reads IN a strip at a time, filters it and writes the rows that come out:
@@ -65,7 +65,7 @@ int stream_filter(const Args& args, FilterKind kind, int size, int xorder, int y
                           : format == OutputFormat::Pfm ? Sample::F32
                           : kind == FilterKind::Blur    ? Sample::U8
                                                         : Sample::U16;
-    Spec spec(kind, w, size, xorder, yorder);
+    FilterHandle fspec(kind, w, size, xorder, yorder);
     RowWriter out(out_name, w, h, 1, sample, &in);
     Progress progress(args.command->name, static_cast<uint64_t>(h));
     std::vector<uint8_t> src(static_cast<size_t>(w) * kStripRows);
@@ -80,7 +80,7 @@ int stream_filter(const Args& args, FilterKind kind, int size, int xorder, int y
         const int flag = y == 0 ? (rows == h ? 0 : 1) : y + rows == h ? 2 : 4;
         OruSize roi{w, rows};
         const auto t0 = std::chrono::steady_clock::now();
-        check_status(filter_strip(kind, src.data(), w, dst.data(), 2 * w, &roi, spec.p, flag), function_name(kind));
+        check_status(filter_strip(kind, src.data(), w, dst.data(), 2 * w, &roi, fspec.p, flag), function_name(kind));
         filter_ms += std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - t0).count();
         for (int i = 0; i < roi.height; ++i) {
             const int16_t* r = dst.data() + static_cast<size_t>(i) * w;
@@ -235,12 +235,12 @@ ORUCV_COMMAND("corners", "IN OUT", "the strongest corners of an image, marked", 
 // ---- Demo
 
 Signed16Image filter_whole(FilterKind kind, const Image& gray, int size, Timing* timing) {
-    Spec spec(kind, gray.width, size, 0, 0);
+    FilterHandle fspec(kind, gray.width, size, 0, 0);
     Signed16Image out(gray.width, gray.height);
     int status = 0;
     *timing = time_runs([&] {
         OruSize roi{gray.width, gray.height};
-        status = filter_strip(kind, gray.pixels.data(), gray.step(), out.data(), out.step_bytes(), &roi, spec.p, 0);
+        status = filter_strip(kind, gray.pixels.data(), gray.step(), out.data(), out.step_bytes(), &roi, fspec.p, 0);
     });
     check_status(status, function_name(kind));
     return out;

@@ -139,32 +139,32 @@ OruStatus allocate(FilterKind kind, int width, int data_type, int size, int rows
     void* block = _orcvAlloc(static_cast<unsigned int>(total));
     if (!block) return oruStsMemAlloc;
     fill_bytes(block, 0, static_cast<size_t>(header));
-    FilterSpec* spec = static_cast<FilterSpec*>(block);
-    spec->magic = kFilterSpecMagic;
-    spec->kind = kind;
-    spec->data_type = data_type;
-    spec->size = size;
-    spec->width = width;
-    spec->row_bytes = static_cast<int32_t>(row_bytes);
-    spec->row_count = rows;
-    spec->rows_offset = static_cast<int32_t>(header);
-    *out = spec;
+    FilterSpec* fspec = static_cast<FilterSpec*>(block);
+    fspec->magic = kFilterSpecMagic;
+    fspec->kind = kind;
+    fspec->data_type = data_type;
+    fspec->size = size;
+    fspec->width = width;
+    fspec->row_bytes = static_cast<int32_t>(row_bytes);
+    fspec->row_count = rows;
+    fspec->rows_offset = static_cast<int32_t>(header);
+    *out = fspec;
     return oruStsOk;
 }
 
 }  // namespace
 
 OruStatus create_sobel(int width, int data_type, int size, int origin, int xorder, int yorder, FilterSpec** out) {
-    FilterSpec* spec = nullptr;
-    if (OruStatus s = allocate(kSobel, width, data_type, size, size, &spec)) return s;
-    spec->origin = origin;
-    spec->xorder = xorder;
-    spec->yorder = yorder;
-    make_kernel(size, xorder, 0, spec->kx16, spec->kxf);
-    make_kernel(size, yorder, origin, spec->ky16, spec->kyf);
-    make_taps(size, spec->kx16, spec->kxf, spec->tx);
-    make_taps(size, spec->ky16, spec->kyf, spec->ty);
-    *out = spec;
+    FilterSpec* fspec = nullptr;
+    if (OruStatus s = allocate(kSobel, width, data_type, size, size, &fspec)) return s;
+    fspec->origin = origin;
+    fspec->xorder = xorder;
+    fspec->yorder = yorder;
+    make_kernel(size, xorder, 0, fspec->kx16, fspec->kxf);
+    make_kernel(size, yorder, origin, fspec->ky16, fspec->kyf);
+    make_taps(size, fspec->kx16, fspec->kxf, fspec->tx);
+    make_taps(size, fspec->ky16, fspec->kyf, fspec->ty);
+    *out = fspec;
     return oruStsOk;
 }
 
@@ -174,29 +174,29 @@ OruStatus create_blur(int width, int data_type, int size, FilterSpec** out) {
 }
 
 OruStatus create_laplace(int width, int data_type, int size, FilterSpec** out) {
-    FilterSpec* spec = nullptr;
-    if (OruStatus s = allocate(kLaplace, width, data_type, size, 2 * size, &spec)) return s;
-    spec->xorder = 2;
-    make_kernel(size, 2, 0, spec->kx16, spec->kxf);
-    make_kernel(size, 0, 0, spec->ky16, spec->kyf);
-    make_taps(size, spec->kx16, spec->kxf, spec->tx);
-    make_taps(size, spec->ky16, spec->kyf, spec->ty);
-    *out = spec;
+    FilterSpec* fspec = nullptr;
+    if (OruStatus s = allocate(kLaplace, width, data_type, size, 2 * size, &fspec)) return s;
+    fspec->xorder = 2;
+    make_kernel(size, 2, 0, fspec->kx16, fspec->kxf);
+    make_kernel(size, 0, 0, fspec->ky16, fspec->kyf);
+    make_taps(size, fspec->kx16, fspec->kxf, fspec->tx);
+    make_taps(size, fspec->ky16, fspec->kyf, fspec->ty);
+    *out = fspec;
     return oruStsOk;
 }
 
-void release(FilterSpec** spec) {
-    void* block = *spec;
+void release(FilterSpec** fspec) {
+    void* block = *fspec;
     _orcvFree_(&block);
-    *spec = static_cast<FilterSpec*>(block);
+    *fspec = static_cast<FilterSpec*>(block);
 }
 
-bool spec_fits(const FilterSpec* spec, FilterKind kind, bool float_data, int width) {
-    return spec->magic == kFilterSpecMagic && spec->kind == kind && is_float_type(spec->data_type) == float_data &&
-           spec->width == width;
+bool spec_fits(const FilterSpec* fspec, FilterKind kind, bool float_data, int width) {
+    return fspec->magic == kFilterSpecMagic && fspec->kind == kind && is_float_type(fspec->data_type) == float_data &&
+           fspec->width == width;
 }
 
-bool spec_accepts_flag(const FilterSpec* spec, int flag) { return spec->started || flag == 0 || flag == 1; }
+bool spec_accepts_flag(const FilterSpec* fspec, int flag) { return fspec->started || flag == 0 || flag == 1; }
 
 // ---- The strip engine
 
@@ -236,9 +236,9 @@ const float* coeffs(const Taps& t, const float*) { return t.cf; }
 template <class S, class D>
 class Strip {
 public:
-    Strip(FilterSpec* spec, const S* src, int srcStep, D* dst, int dstStep)
-        : spec_(*spec), k_(filter_kernels()), src_(src), src_step_(srcStep), dst_(dst), dst_step_(dstStep),
-          n_(spec->size), r_(spec->size / 2), width_(spec->width), first_emitted_(spec->emitted) {}
+    Strip(FilterSpec* fspec, const S* src, int srcStep, D* dst, int dstStep)
+        : spec_(*fspec), k_(filter_kernels()), src_(src), src_step_(srcStep), dst_(dst), dst_step_(dstStep),
+          n_(fspec->size), r_(fspec->size / 2), width_(fspec->width), first_emitted_(fspec->emitted) {}
 
     int run(int height, int flag) {
         if (flag == 0 || flag == 1 || flag == 3) {
@@ -404,14 +404,14 @@ private:
 
 }  // namespace
 
-int run_strip(FilterSpec* spec, const uint8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag) {
-    return Strip<uint8_t, int16_t>(spec, src, srcStep, dst, dstStep).run(height, flag);
+int run_strip(FilterSpec* fspec, const uint8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag) {
+    return Strip<uint8_t, int16_t>(fspec, src, srcStep, dst, dstStep).run(height, flag);
 }
-int run_strip(FilterSpec* spec, const int8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag) {
-    return Strip<int8_t, int16_t>(spec, src, srcStep, dst, dstStep).run(height, flag);
+int run_strip(FilterSpec* fspec, const int8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag) {
+    return Strip<int8_t, int16_t>(fspec, src, srcStep, dst, dstStep).run(height, flag);
 }
-int run_strip(FilterSpec* spec, const float* src, int srcStep, float* dst, int dstStep, int height, int flag) {
-    return Strip<float, float>(spec, src, srcStep, dst, dstStep).run(height, flag);
+int run_strip(FilterSpec* fspec, const float* src, int srcStep, float* dst, int dstStep, int height, int flag) {
+    return Strip<float, float>(fspec, src, srcStep, dst, dstStep).run(height, flag);
 }
 
 }  // namespace a6

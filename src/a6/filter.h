@@ -2,7 +2,7 @@
 // the filter specification (kernels, ring of row buffers, pass state), the
 // row kernels with their scalar twins, and the engine that drives a strip.
 //
-// Rows flow through the specification's ring: each source row is filtered
+// Rows flow through the filter specification's ring: each source row is filtered
 // across once into a ring row (16-bit for 8-bit sources, float for float
 // sources); a destination row is formed down the ring rows of its window as
 // soon as the row below its window has arrived, or when the last strip
@@ -78,12 +78,12 @@ void make_kernel(int n, int d, int origin, int16_t* c16, float* cf);
 OruStatus create_sobel(int width, int data_type, int size, int origin, int xorder, int yorder, FilterSpec** out);
 OruStatus create_blur(int width, int data_type, int size, FilterSpec** out);
 OruStatus create_laplace(int width, int data_type, int size, FilterSpec** out);
-void release(FilterSpec** spec);
+void release(FilterSpec** fspec);
 
-// Whether the specification serves a call of this kind on this data (8-bit
+// Whether the filter specification serves a call of this kind on this data (8-bit
 // or float) and width; and whether a strip with this flag may start or go on.
-bool spec_fits(const FilterSpec* spec, FilterKind kind, bool float_data, int width);
-bool spec_accepts_flag(const FilterSpec* spec, int flag);
+bool spec_fits(const FilterSpec* fspec, FilterKind kind, bool float_data, int width);
+bool spec_accepts_flag(const FilterSpec* fspec, int flag);
 
 // One strip: `height` source rows in, the count of destination rows written
 // out. flag 1 first, 4 middle, 2 last, 0 or 3 the whole image. A height of 0
@@ -91,9 +91,9 @@ bool spec_accepts_flag(const FilterSpec* spec, int flag);
 // Destination row j of a call is written only after source row j of the
 // call has been read, so the destination may start at the source or above
 // it with the same step.
-int run_strip(FilterSpec* spec, const uint8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag);
-int run_strip(FilterSpec* spec, const int8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag);
-int run_strip(FilterSpec* spec, const float* src, int srcStep, float* dst, int dstStep, int height, int flag);
+int run_strip(FilterSpec* fspec, const uint8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag);
+int run_strip(FilterSpec* fspec, const int8_t* src, int srcStep, int16_t* dst, int dstStep, int height, int flag);
+int run_strip(FilterSpec* fspec, const float* src, int srcStep, float* dst, int dstStep, int height, int flag);
 
 // ---- Row kernels
 // The cells of the kernel of size n and order d (negated for an odd order

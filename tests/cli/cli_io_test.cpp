@@ -159,7 +159,7 @@ TEST(ReadExact, SixteenBitPngKeepsEveryValueWithoutGamma) {
 TEST(ReadExact, AlphaIsRefusedOrDroppedNeverComposited) {
     struct Case {
         const char* name;
-        PngSpec spec;
+        PngSpec png;
         std::vector<uint16_t> expected;  // the colour channels
     };
     std::vector<Case> cases = {
@@ -169,13 +169,13 @@ TEST(ReadExact, AlphaIsRefusedOrDroppedNeverComposited) {
         {"palette with transparency", {2, 1, 8, PNG_COLOR_TYPE_PALETTE, {1, 0}}, {70, 80, 90, 10, 20, 30}},
         {"gray key", {2, 1, 8, PNG_COLOR_TYPE_GRAY, {7, 9}}, {7, 9}},
     };
-    cases[3].spec.palette = {{10, 20, 30}, {70, 80, 90}};
-    cases[3].spec.trns = {255, 0};
-    cases[4].spec.gray_key = true;
+    cases[3].png.palette = {{10, 20, 30}, {70, 80, 90}};
+    cases[3].png.trns = {255, 0};
+    cases[4].png.gray_key = true;
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         const std::string path = temp_path("alpha.png");
-        write_png(path, c.spec);
+        write_png(path, c.png);
         const std::string message = error_of([&] { read_float_image(path); });
         EXPECT_NE(message.find("alpha"), std::string::npos) << message;
         EXPECT_NE(message.find("--drop-alpha"), std::string::npos) << message;
