@@ -78,7 +78,7 @@ orucv_optional_part(ORUCV_WITH_BENCH Benchmarks ORUCV_BUILD_BENCH ${ORUCV_BUILD_
 # PNG files in the orucv program (and the benchmarks and tests that share its
 # image files); without libpng it reads and writes PGM/PPM, PFM and .npy.
 set(ORUCV_WITH_PNG OFF)
-set(ORUCV_SUMMARY_ORUCV_WITH_PNG "off (not needed)")
+set(ORUCV_SUMMARY_ORUCV_WITH_PNG "off (no orucv program)")
 if(ORUCV_BUILD_TOOLS OR ORUCV_WITH_BENCH)
   find_package(PNG QUIET)
   orucv_optional_part(ORUCV_WITH_PNG PNG PNG AUTO "${PNG_FOUND}" "libpng"
@@ -96,18 +96,29 @@ function(orucv_print_summary)
   else()
     set(simd "SSE2, AVX2 (the compiler's target picks one)")
   endif()
-  # Python: the Python package's CMake sets ORUCV_PYTHON_TESTS (ON/OFF, a
-  # cache variable) and Python3_EXECUTABLE, and may say why the tests are
-  # off in ORUCV_PYTHON_TESTS_NOTE.
-  if(NOT DEFINED ORUCV_PYTHON_TESTS)
-    set(python "off (no Python package in this tree)")
-  elseif(ORUCV_PYTHON_TESTS)
-    set(python "tests with ${Python3_EXECUTABLE}")
-  elseif(ORUCV_PYTHON_TESTS_NOTE)
-    set(python "off (${ORUCV_PYTHON_TESTS_NOTE})")
-  else()
-    set(python "off")
-  endif()
+  # Python: the CMake of the Python package (in any directory) sets
+  # ORUCV_PYTHON_TESTS to ON or OFF and Python3_EXECUTABLE, and may say why
+  # the tests are off in ORUCV_PYTHON_TESTS_NOTE.
+  set(dirs "${PROJECT_SOURCE_DIR}")
+  set(python "off (no Python package in this tree)")
+  while(dirs)
+    list(POP_FRONT dirs dir)
+    get_directory_property(tests DIRECTORY "${dir}" DEFINITION ORUCV_PYTHON_TESTS)
+    if(NOT tests STREQUAL "")
+      get_directory_property(note DIRECTORY "${dir}" DEFINITION ORUCV_PYTHON_TESTS_NOTE)
+      get_directory_property(interpreter DIRECTORY "${dir}" DEFINITION Python3_EXECUTABLE)
+      if(tests)
+        set(python "tests with ${interpreter}")
+      elseif(note)
+        set(python "off (${note})")
+      else()
+        set(python "off")
+      endif()
+      break()
+    endif()
+    get_directory_property(subdirs DIRECTORY "${dir}" SUBDIRECTORIES)
+    list(APPEND dirs ${subdirs})
+  endwhile()
   set(png "${ORUCV_SUMMARY_ORUCV_WITH_PNG}")
   if(ORUCV_BUILD_TOOLS AND NOT ORUCV_WITH_PNG)
     set(png "off (orucv writes PGM/PPM)")
