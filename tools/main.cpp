@@ -30,6 +30,8 @@ int run_demo(const Args& args) {
     const OruLibVersion* v = orucvGetLibVersion();
     std::printf("%s %s: demo on a %dx%d synthetic scene, results in %s/\n", v->Name, v->Version, kSceneWidth,
                 kSceneHeight, dir.c_str());
+    if (!png_supported())
+        std::printf("this build has no PNG support (libpng was not found): the images are PGM/PPM files\n");
     DemoContext demo(dir);
     demo.save("scene.png", demo.frame(0), "(input)", 0.0, "frame 0 of the built-in scene");
     for (const DemoStep& step : demo_steps()) step.run(demo);
@@ -55,10 +57,10 @@ void usage(FILE* out) {
                  "       orucv --version\n\ncommands:\n");
     for (const Command& c : commands()) std::fprintf(out, "  %-10s %s\n", c.name, c.summary);
     std::fprintf(out,
-                 "\nimages: PNG%s (8 and 16 bit), PGM and PPM (maxval up to 65535), PFM and NumPy .npy;\n"
+                 "\nimages: PNG (8 and 16 bit%s), PGM and PPM (maxval up to 65535), PFM and NumPy .npy;\n"
                  "outputs are written in the format their extension names.\n"
                  "exit status: 0 done, 1 a command's \"no\" (such as images that differ), 2 error.\n",
-                 png_supported() ? "" : " (not in this build)");
+                 png_supported() ? "" : "; not in this build");
 }
 
 int run_command(const Command& c, int argc, const char* const* argv) {

@@ -432,7 +432,7 @@ TEST(Write, RowWriterLeavesNothingBehindAndNeverOverwritesItsInput) {
     EXPECT_NE(error_of([&] { RowWriter(in_path, 4, 3, 1, Sample::U8, &in); }).find("also the input"),
               std::string::npos);
     EXPECT_EQ(read_image(in_path).pixels, std::vector<uint8_t>(12, 77));
-    EXPECT_NE(error_of([&] { RowWriter(temp_path("f.png"), 4, 3, 1, Sample::F32); }).find(".npy or .pfm"),
+    EXPECT_NE(error_of([&] { RowWriter(temp_path("f.pgm"), 4, 3, 1, Sample::F32); }).find(".npy or .pfm"),
               std::string::npos);
 }
 
@@ -470,37 +470,37 @@ std::string usage_error(std::vector<const char*> argv) {
 }  // namespace
 
 TEST(Options, OnlyDeclaredOptionsAndArguments) {
-    const Args a = parse({"in.png", "--size=5", "out.png", "--seed", "3,4", "--flag", "--mode", "exact", "--to8",
+    const Args a = parse({"in.png", "--size=5", "out.pgm", "--seed", "3,4", "--flag", "--mode", "exact", "--to8",
                           "shift", "x", "--", "--odd", "-3"});
-    EXPECT_EQ(a.positional, (std::vector<std::string>{"in.png", "out.png", "x", "--odd", "-3"}));
+    EXPECT_EQ(a.positional, (std::vector<std::string>{"in.png", "out.pgm", "x", "--odd", "-3"}));
     EXPECT_EQ(a.get_int("--size", 0, 1, 9), 5);
     EXPECT_TRUE(a.has("--flag"));
     EXPECT_EQ(a.get_pair("--seed"), std::make_pair(3, 4));
     EXPECT_EQ(a.input().to8, To8::Shift);
-    EXPECT_EQ(parse({"a", "b.png", "--seed", "-1,-2", "-5"}).positional.back(), "-5");
+    EXPECT_EQ(parse({"a", "b.pgm", "--seed", "-1,-2", "-5"}).positional.back(), "-5");
 
-    EXPECT_EQ(usage_error({"a", "b.png", "--seed", "1,1", "--bogus", "3"}), "unknown option --bogus");
-    EXPECT_EQ(usage_error({"a", "b.png", "--seed", "1,1", "-x"}), "unknown option -x");
-    EXPECT_EQ(usage_error({"a", "b.png", "--seed", "1,1", "--flag=1"}), "option --flag takes no value");
-    EXPECT_EQ(usage_error({"a", "b.png", "--seed"}), "option --seed needs a value (X,Y)");
-    EXPECT_EQ(usage_error({"a", "b.png", "--seed", "1,1", "--size", "1", "--size", "2"}),
+    EXPECT_EQ(usage_error({"a", "b.pgm", "--seed", "1,1", "--bogus", "3"}), "unknown option --bogus");
+    EXPECT_EQ(usage_error({"a", "b.pgm", "--seed", "1,1", "-x"}), "unknown option -x");
+    EXPECT_EQ(usage_error({"a", "b.pgm", "--seed", "1,1", "--flag=1"}), "option --flag takes no value");
+    EXPECT_EQ(usage_error({"a", "b.pgm", "--seed"}), "option --seed needs a value (X,Y)");
+    EXPECT_EQ(usage_error({"a", "b.pgm", "--seed", "1,1", "--size", "1", "--size", "2"}),
               "option --size is given twice");
-    EXPECT_EQ(usage_error({"a", "b.png", "--seed", "1,1", "--mode", "slow"}),
+    EXPECT_EQ(usage_error({"a", "b.pgm", "--seed", "1,1", "--mode", "slow"}),
               "option --mode takes fast or exact, not 'slow'");
-    EXPECT_EQ(usage_error({"a", "b.png", "--seed", "1,1", "--repeat"}), "option --repeat needs a value (N)");
+    EXPECT_EQ(usage_error({"a", "b.pgm", "--seed", "1,1", "--repeat"}), "option --repeat needs a value (N)");
     EXPECT_EQ(usage_error({"a", "--seed", "1,1"}), "missing OUT");
-    EXPECT_EQ(usage_error({"a", "b.png"}), "option --seed is required");
+    EXPECT_EQ(usage_error({"a", "b.pgm"}), "option --seed is required");
     EXPECT_EQ(usage_error({"a", "b.jpg", "--seed", "1,1"}),
               "not a usage error: cannot write 'b.jpg': '.jpg' is not a format orucv writes (.png, .pgm, .ppm, "
               ".pnm, .pfm or .npy)");
-    EXPECT_NE(usage_error({"a", "b.png", "--seed", "1,1", "--outline", "o"}).find("cannot write 'o'"),
+    EXPECT_NE(usage_error({"a", "b.pgm", "--seed", "1,1", "--outline", "o"}).find("cannot write 'o'"),
               std::string::npos);
 
     // Help wins over everything else, but not after "--".
     bool help = false;
     parse({"--bogus", "-h"}, &help);
     EXPECT_TRUE(help);
-    parse({"a", "b.png", "--seed", "1,1", "--", "--help"}, &help);
+    parse({"a", "b.pgm", "--seed", "1,1", "--", "--help"}, &help);
     EXPECT_FALSE(help);
 
     const std::string usage = usage_line(kTest);
@@ -513,13 +513,13 @@ TEST(Options, OnlyDeclaredOptionsAndArguments) {
 }
 
 TEST(Options, ValuesAreCheckedWithTheirRange) {
-    const Args a = parse({"a", "b.png", "--seed", "x", "--size", "12", "--max-pixels", "0"});
+    const Args a = parse({"a", "b.pgm", "--seed", "x", "--size", "12", "--max-pixels", "0"});
     EXPECT_EQ(error_of([&] { a.get_int("--size", 0, 1, 9); }), "--size needs a whole number from 1 to 9, not '12'");
     EXPECT_EQ(error_of([&] { a.get_double("--size", 0, 0, 5); }), "--size needs a number from 0 to 5, not '12'");
     EXPECT_EQ(error_of([&] { a.get_double("--size", 0, 20); }), "--size needs a number of at least 20, not '12'");
     EXPECT_EQ(error_of([&] { a.get_pair("--seed"); }), "--seed needs X,Y, not 'x'");
     EXPECT_NE(error_of([&] { a.input(); }).find("--max-pixels"), std::string::npos);
-    EXPECT_EQ(parse({"a", "b.png", "--seed", "1,1", "--max-pixels", "4294967296"}).input().max_pixels, 1ull << 32);
+    EXPECT_EQ(parse({"a", "b.pgm", "--seed", "1,1", "--max-pixels", "4294967296"}).input().max_pixels, 1ull << 32);
 }
 
 TEST(Status, LibraryStatusesAreWords) {
