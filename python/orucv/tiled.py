@@ -28,14 +28,16 @@ def apply(fn, image, radius, dtype=None, chunks=None, **kwargs):
     result's (default: the image's)."""
     import dask.array as da
 
+    if chunks is not None and np.ndim(image) == 3 and len(chunks) == 2:
+        chunks = tuple(chunks) + (-1,)
     arr = image if isinstance(image, da.Array) else da.from_array(image, chunks=chunks or "auto")
     if arr.ndim not in (2, 3):
         raise ValueError("image: expected 2 or 3 dimensions, got shape %s" % (arr.shape,))
-    ry, rx = (radius, radius) if np.isscalar(radius) else radius
     if chunks is not None and isinstance(image, da.Array):
-        arr = arr.rechunk(chunks if arr.ndim == 2 or len(chunks) == 3 else tuple(chunks) + (-1,))
-    elif arr.ndim == 3:
+        arr = arr.rechunk(chunks)
+    if arr.ndim == 3:
         arr = arr.rechunk({2: -1})
+    ry, rx = (radius, radius) if np.isscalar(radius) else radius
     depth = {0: ry, 1: rx} if arr.ndim == 2 else {0: ry, 1: rx, 2: 0}
     # Every tile must reach past the overlap, or dask would need a tile's
     # neighbours' neighbours: merge chunks that are thinner than the radius.
