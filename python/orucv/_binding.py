@@ -196,7 +196,7 @@ def raise_for(function, status):
         raise ERRORS.get(status, OrucvError)(function, status)
     if status > 0:
         warnings.warn("%s: %s (%d)" % (function, STATUS_NAMES.get(status, "warning"), status),
-                      OrucvWarning, stacklevel=3)
+                      OrucvWarning, stacklevel=4)
 
 
 # ---- the library ---------------------------------------------------------------
@@ -246,25 +246,31 @@ class Library:
         return "<orucv.lib: %d functions from %s>" % (len(self.functions), self._path)
 
 
-class Bound:
-    """One function called by its parameter names; a negative status raises."""
-
-    __slots__ = ("fn", "names", "name")
-
-    def __init__(self, lib, name):
-        self.name = name
-        self.fn = getattr(lib, name)
-        self.names = tuple(p.name for p in lib.functions[name].params)
-
-    def __call__(self, **kw):
-        try:
-            args = [kw[n] for n in self.names]
-        except KeyError as e:  # an error in this package, not the caller's
-            raise AssertionError("%s called without %s" % (self.name, e)) from None
-        status = self.fn(*args)
-        if status:
-            raise_for(self.name, status)
-        return status
+def make_call(lib, name):
+    """The function `name` called by its parameter names (keywords it does not
+    take are ignored); a negative status raises. The friendly functions check
+    their arrays themselves, so this path hands array addresses to a second
+    declaration of the function with untyped pointers (the typed one checks
+    dtypes in Python on every call). The call is generated from the header's
+    parameter list; it carries .name, .names (the parameters) and .fn."""
+    typed = getattr(lib, name)
+    names = tuple(p.name for p in lib.functions[name].params)
+    fn = lib._cdll._FuncPtr((name, lib._cdll))
+    fn.restype = typed.restype
+    arrays = [isinstance(t, type) and issubclass(t, ArrayPointer) for t in typed.argtypes]
+    fn.argtypes = [ctypes.c_void_p if a else t for a, t in zip(arrays, typed.argtypes)]
+    args = ", ".join("(%s.__array_interface__[\"data\"][0] if %s.__class__ is _ndarray else %s)" % (n, n, n) if a else n
+                     for n, a in zip(names, arrays))
+    source = ("def %s(*, %s, **_ignored):\n"
+              "    status = _fn(%s)\n"
+              "    if status:\n"
+              "        _raise_for(%r, status)\n"
+              "    return status\n" % (name, ", ".join(names) or "_=None", args, name))
+    scope = {"_fn": fn, "_ndarray": np.ndarray, "_raise_for": raise_for}
+    exec(compile(source, "<orucv %s>" % name, "exec"), scope)
+    call = scope[name]
+    call.name, call.names, call.fn = name, names, fn
+    return call
 
 
 _header_text = Path(header_path()).read_text()
@@ -284,4 +290,4 @@ COVERED = set()
 
 def bound(name):
     COVERED.add(name)
-    return Bound(lib, name)
+    return make_call(lib, name)

@@ -31,27 +31,28 @@ def image(a, what, dtypes, channels=(1,), writable=False):
     Returns the channel count."""
     if not isinstance(a, np.ndarray):
         raise TypeError("%s: expected a numpy array, got %s" % (what, type(a).__name__))
-    if a.dtype not in dtypes:
-        raise TypeError("%s: expected dtype %s, got %s" % (what, _names(dtypes), a.dtype))
-    if a.ndim == 2:
+    dtype = a.dtype
+    if dtype not in dtypes:
+        raise TypeError("%s: expected dtype %s, got %s" % (what, _names(dtypes), dtype))
+    shape, strides, item = a.shape, a.strides, dtype.itemsize
+    if len(shape) == 2:
         ch = 1
-    elif a.ndim == 3:
-        ch = a.shape[2]
+    elif len(shape) == 3:
+        ch = shape[2]
     else:
         raise ValueError("%s: expected an image of shape (rows, columns) or (rows, columns, channels), got shape %s"
-                         % (what, a.shape))
+                         % (what, shape))
     if ch not in channels:
         raise ValueError("%s: expected %s channel(s), got %d (shape %s)"
-                         % (what, " or ".join(map(str, channels)), ch, a.shape))
-    item = a.itemsize
-    if (a.ndim == 3 and ch > 1 and a.strides[2] != item) or (a.shape[1] > 1 and a.strides[1] != item * ch):
+                         % (what, " or ".join(map(str, channels)), ch, shape))
+    if (shape[1] > 1 and strides[1] != item * ch) or (ch > 1 and strides[2] != item):
         raise ValueError("%s: the pixels of a row must be adjacent in memory (strides %s for shape %s); "
-                         "rows may have any step; np.ascontiguousarray makes such a copy"
-                         % (what, a.strides, a.shape))
-    if a.shape[0] > 1 and a.strides[0] <= 0:
-        raise ValueError("%s: rows must follow each other downwards in memory (row stride %d)" % (what, a.strides[0]))
-    if step(a) > _INT_MAX or a.shape[0] > _INT_MAX or a.shape[1] > _INT_MAX:
-        raise ValueError("%s: the row step or the size exceeds the library's int range" % what)
+                         "rows may have any step; np.ascontiguousarray makes such a copy" % (what, strides, shape))
+    if shape[0] > 1 and not 0 < strides[0] <= _INT_MAX:
+        raise ValueError("%s: rows must follow each other downwards in memory, at most 2**31 - 1 bytes apart "
+                         "(row stride %d)" % (what, strides[0]))
+    if shape[0] > _INT_MAX or shape[1] > _INT_MAX:
+        raise ValueError("%s: the size exceeds the library's int range" % what)
     if writable and not a.flags.writeable:
         raise ValueError("%s: the array is written in place but is read-only" % what)
     return ch
@@ -81,13 +82,13 @@ def output(out, shape, dtype, what="out"):
     """A new array of shape and dtype, or the caller's `out` checked to be one."""
     if out is None:
         return np.empty(shape, dtype)
-    if not isinstance(out, np.ndarray):
+    if type(out) is not np.ndarray:
         raise TypeError("%s: expected a numpy array, got %s" % (what, type(out).__name__))
     if out.dtype != dtype:
         raise TypeError("%s: expected dtype %s, got %s" % (what, dtype, out.dtype))
     if out.shape != tuple(shape):
         raise ValueError("%s: expected shape %s, got %s" % (what, tuple(shape), out.shape))
-    image(out, what, (dtype,), (out.shape[2] if out.ndim == 3 else 1,), writable=True)
+    image(out, what, (dtype,), (shape[2] if len(shape) == 3 else 1,), writable=True)
     return out
 
 

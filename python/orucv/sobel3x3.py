@@ -19,7 +19,7 @@ _SCHARR = _table("oruiScharr_%s_%s_C1R", ("Dx", "Dy"), ("Dx", "Dy"))
 
 
 def _derivative(functions, img, out, origin=0, shift=0):
-    image(img, "img", tuple(functions))
+    image(img, "img", functions)
     out = output(out, img.shape, F32 if img.dtype == F32 else S16)
     functions[img.dtype](pSrc=img, srcStep=step(img), pDst=out, dstStep=step(out), roiSize=size(img),
                          origin=origin, shift=shift)

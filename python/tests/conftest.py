@@ -1,3 +1,11 @@
+try:
+    import orucv  # noqa: F401  (an installed package, or PYTHONPATH)
+except ImportError:
+    import sys
+    from pathlib import Path
+    sys.path.insert(0, str(Path(__file__).resolve().parent.parent))
+
+
 import numpy as np
 import pytest
 
