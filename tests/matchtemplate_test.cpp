@@ -552,6 +552,23 @@ TEST(MatchTemplatePaths, Unsigned) { check_paths<Oru8u>(); }
 TEST(MatchTemplatePaths, Signed) { check_paths<Oru8s>(); }
 TEST(MatchTemplatePaths, Float) { check_paths<Oru32f>(); }
 
+// Float templates whose width is a multiple of 8 are summed several blocks
+// of a column at a time: columns of 1..9 blocks (whole groups and every
+// remainder) under templates shorter and taller than a group, each against
+// the scalar twin.
+TEST(MatchTemplatePaths, FloatColumnGroups) {
+    int k = 0;
+    for (int tw : {8, 16, 24, 32, 40})
+        for (int th : {1, 2, 3, 6})
+            for (int count = 1; count <= 9; ++count, ++k) {
+                GuardedImage<Oru32f> src(tw + 2, th + count - 1, 1, 4 * (k % 3), 4 * (k % 2)), tpl(tw, th);
+                fill(src, 300 + k);
+                fill(tpl, 700 + k);
+                for (int m = 0; m < kMethods; ++m)
+                    expect_same_on_every_path([&] { return run_match(m, src, tpl, k % 8); });
+            }
+}
+
 // NaN pixels of assorted signs and payloads, in the source and then in the
 // template too: every NaN score is the one quiet NaN, on every path.
 TEST(MatchTemplatePaths, NaNScoresAreCanonical) {
