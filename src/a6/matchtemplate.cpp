@@ -181,7 +181,7 @@ private:
 
 // One call's sweep: the scratch carved into its blocks, the template
 // constants and the kernels. Each band of destination rows (the whole
-// column for float images) is swept column by column.
+// column for float images with patch sums) is swept column by column.
 template <class T, int M>
 class Sweep {
     using Acc = typename MatchAcc<T>::type;
