@@ -355,21 +355,25 @@ TEST(MatchTemplateValues, ModelUnsigned) { check_against_model<Oru8u>(); }
 TEST(MatchTemplateValues, ModelSigned) { check_against_model<Oru8s>(); }
 TEST(MatchTemplateValues, ModelFloat) { check_against_model<Oru32f>(); }
 
-// Tall sources: byte images are swept in bands of rows, with several
-// columns of scores held back and row sums taken eight columns at a time
-// (the last group short); every method still matches the model on every
-// path (416 rows, 78 columns).
+// Tall sources: byte images, and float images under the methods without
+// patch sums, are swept in bands of rows, with several columns of scores
+// held back and row sums taken eight columns at a time (the last group
+// short); every method still matches the model on every path (416 rows, 78
+// columns under the 6x5 template; the 16x3 one takes the row-by-row float
+// kernel).
 template <class T>
 void check_tall() {
-    GuardedImage<T> src(83, 420, 1, 5 * sizeof(T), 0), tpl(6, 5);
-    fill(src, 77);
-    fill(tpl, 78);
-    for (int m = 0; m < kMethods; ++m)
-        expect_same_on_every_path([&] {
-            const auto score = run_match(m, src, tpl, 9, 8);
-            expect_model(src, tpl, m, score);
-            return score;
-        });
+    for (const OruSize ts : {OruSize{6, 5}, OruSize{16, 3}}) {
+        GuardedImage<T> src(83, 420, 1, 5 * sizeof(T), 0), tpl(ts.width, ts.height);
+        fill(src, 77);
+        fill(tpl, 78);
+        for (int m = 0; m < kMethods; ++m)
+            expect_same_on_every_path([&] {
+                const auto score = run_match(m, src, tpl, 9, 8);
+                expect_model(src, tpl, m, score);
+                return score;
+            });
+    }
 }
 TEST(MatchTemplateValues, TallUnsigned) { check_tall<Oru8u>(); }
 TEST(MatchTemplateValues, TallSigned) { check_tall<Oru8s>(); }
@@ -551,6 +555,23 @@ void check_paths() {
 TEST(MatchTemplatePaths, Unsigned) { check_paths<Oru8u>(); }
 TEST(MatchTemplatePaths, Signed) { check_paths<Oru8s>(); }
 TEST(MatchTemplatePaths, Float) { check_paths<Oru32f>(); }
+
+// Float templates whose width is a multiple of 8 are summed several blocks
+// of a column at a time: columns of 1..9 blocks (whole groups and every
+// remainder) under templates shorter and taller than a group, each against
+// the scalar twin.
+TEST(MatchTemplatePaths, FloatColumnGroups) {
+    int k = 0;
+    for (int tw : {8, 16, 24, 32, 40})
+        for (int th : {1, 2, 3, 6})
+            for (int count = 1; count <= 9; ++count, ++k) {
+                GuardedImage<Oru32f> src(tw + 2, th + count - 1, 1, 4 * (k % 3), 4 * (k % 2)), tpl(tw, th);
+                fill(src, 300 + k);
+                fill(tpl, 700 + k);
+                for (int m = 0; m < kMethods; ++m)
+                    expect_same_on_every_path([&] { return run_match(m, src, tpl, k % 8); });
+            }
+}
 
 // NaN pixels of assorted signs and payloads, in the source and then in the
 // template too: every NaN score is the one quiet NaN, on every path.

@@ -8,7 +8,8 @@
 // the slot the previous view's next row no longer needs), the per-row sums
 // follow the advance, the patch sums run down the column, a column kernel
 // gives the scores, which leave for the destination several columns at a
-// time. Byte images, whose sums are exact, are swept so in bands of rows.
+// time. Byte images, whose sums are exact, and float images under the
+// methods without patch sums are swept so in bands of rows.
 #include "a6/matchtemplate.h"
 
 #include <climits>
@@ -180,7 +181,7 @@ private:
 
 // One call's sweep: the scratch carved into its blocks, the template
 // constants and the kernels. Each band of destination rows (the whole
-// column for float images) is swept column by column.
+// column for float images with patch sums) is swept column by column.
 template <class T, int M>
 class Sweep {
     using Acc = typename MatchAcc<T>::type;
@@ -193,12 +194,14 @@ public:
         : src_(src), src_step_(srcStep), dst_(dst), dst_step_(dstStep), tw_(tpl_size.width), th_(tpl_size.height),
           cols_(src_size.width - tw_ + 1), rows_(src_size.height - th_ + 1),
           // Float sums depend on the order of the running sums, so float
-          // images are swept over whole columns, exactly as the sums are
-          // defined. Byte sums are exact integers, which leaves the order
-          // free: there the destination is swept in bands of rows, each band
-          // column by column, so that a band's source rows, strip and sums
-          // stay in the first-level cache from one column to the next.
-          band_(sizeof(T) == 1 && kByteBand < rows_ ? kByteBand : rows_),
+          // images with patch sums are swept over whole columns, exactly as
+          // the sums are defined. Byte sums are exact integers, which leaves
+          // the order free, and methods without patch sums have none: there
+          // the destination is swept in bands of rows, each band column by
+          // column, so that a band's source rows, strip and sums stay in the
+          // first-level cache from one column to the next and its scores
+          // leave several columns at a time.
+          band_((sizeof(T) == 1 || kSums == 0) && kByteBand < rows_ ? kByteBand : rows_),
           bk_(block_kernels<T>(match_kernels())),
           held_(reinterpret_cast<float*>(align32(buffer) + layout.block), rows_, band_, sizeof(T) == sizeof(float)) {
         uint8_t* base = align32(buffer);

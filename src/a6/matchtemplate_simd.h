@@ -68,7 +68,7 @@ struct MatchVectors {
     // row by row together, score vectors whose square roots interleave:
     // as many as the registers hold (eight on 32-bit x86).
     static constexpr int kByteBlocks = kWide ? 8 : 4;
-    static constexpr int kFloatRows = kWide ? 4 : 2;
+    static constexpr int kFloatRows = kWide ? 4 : sizeof(void*) == 8 ? 3 : 2;
     static constexpr int kScoreGroups = kWide ? 8 : 1;
     // Vectors of 16-bit lanes per 16 bytes, of doubles per eight lanes.
     static constexpr int kPiece = 32 / V::kBytes;
@@ -291,21 +291,22 @@ struct MatchVectors {
         return scalar::combine_lanes(lanes);
     }
 
-    // Adds strip row s, converted once, to blocks g_lo..g_hi of a group, as
-    // their template rows r - g (t0 is template row r). kChunks is width / 8
-    // when known at compile time, else 0.
-    template <class Term, int G, int kChunks>
-    static void add_row(Lanes* acc, const float* s, const double* t0, int width, int g_lo, int g_hi) {
-        const int chunks = kChunks ? kChunks : width / 8;
-        for (int k = 0; k < chunks; ++k) {
-            const int c = 8 * k;
+    // Adds strip row s, converted once, to blocks lo..hi of a group (every
+    // block when kAll), as their template rows r - g (t0 is template row r).
+    // kWidth is the width when known at compile time, else 0. Inlined, so
+    // that the accumulators stay in registers.
+    template <class Term, int G, int kWidth, bool kAll>
+    __attribute__((always_inline)) static void add_row(D (&acc)[G][kLanes], const float* s, const double* t0,
+                                                       int width, int lo, int hi) {
+        const int w = kWidth ? kWidth : width;
+        for (int c = 0; c < w; c += 8) {
             D d[kLanes];
             load8(s + c, d);
             for (int g = 0; g < G; ++g) {
-                if (g < g_lo || g > g_hi) continue;
-                const double* t = t0 - static_cast<ptrdiff_t>(g) * width + c;
+                if (!kAll && (g < lo || g > hi)) continue;
+                const double* t = t0 - static_cast<ptrdiff_t>(g) * w + c;
                 for (int q = 0; q < kLanes; ++q)
-                    acc[g].x[q] = V::addd(acc[g].x[q], term<Term>(d[q], V::loadd(t + q * V::kDoubles)));
+                    acc[g][q] = V::addd(acc[g][q], term<Term>(d[q], V::loadd(t + q * V::kDoubles)));
             }
         }
     }
@@ -314,22 +315,35 @@ struct MatchVectors {
     // by row: strip row r goes to every block g of the group that holds it,
     // as its template row r - g. Each lane of each block still takes its
     // elements in increasing order, so the sums equal the run kernel's.
-    template <class Term, int G, int kChunks>
+    template <class Term, int G, int kWidth>
     static void blocks_by_rows(const float* runs, int width, int height, const double* tpl, double* out) {
-        Lanes acc[G];
-        for (Lanes& a : acc)
-            for (D& x : a.x) x = V::zerod();
-        for (int r = 0; r < G + height - 1; ++r) {
-            const float* s = runs + static_cast<ptrdiff_t>(r) * width;
-            const double* t0 = tpl + static_cast<ptrdiff_t>(r) * width;
-            if (r >= G - 1 && r < height) {
-                add_row<Term, G, kChunks>(acc, s, t0, width, 0, G - 1);  // every block holds row r
-            } else {
-                add_row<Term, G, kChunks>(acc, s, t0, width, r - height + 1 > 0 ? r - height + 1 : 0,
-                                          r < G - 1 ? r : G - 1);
-            }
+        D acc[G][kLanes];
+        for (int g = 0; g < G; ++g)
+            for (int q = 0; q < kLanes; ++q) acc[g][q] = V::zerod();
+        const int w = kWidth ? kWidth : width, rows = G + height - 1;
+        auto edge = [&](int r) {
+            const int lo = r - height + 1 > 0 ? r - height + 1 : 0, hi = r < G - 1 ? r : G - 1;
+            add_row<Term, G, kWidth, false>(acc, runs + static_cast<ptrdiff_t>(r) * w,
+                                            tpl + static_cast<ptrdiff_t>(r) * w, w, lo, hi);
+        };
+        int r = 0;
+        for (; r < G - 1 && r < rows; ++r) edge(r);
+        for (; r < height; ++r) {  // every block holds these rows
+            // The template rows are the same from one strip row to the next,
+            // one block on; the pointer is hidden from the compiler so that
+            // it loads them again rather than keep them from row to row,
+            // which leaves too few registers for the sums.
+            const float* s = runs + static_cast<ptrdiff_t>(r) * w;
+            const double* t0 = tpl + static_cast<ptrdiff_t>(r) * w;
+            __asm__("" : "+r"(s), "+r"(t0));
+            add_row<Term, G, kWidth, true>(acc, s, t0, w, 0, G - 1);
         }
-        for (int g = 0; g < G; ++g) out[g] = combine(acc[g]);
+        for (; r < rows; ++r) edge(r);
+        for (int g = 0; g < G; ++g) {
+            Lanes l;
+            for (int q = 0; q < kLanes; ++q) l.x[q] = acc[g][q];
+            out[g] = combine(l);
+        }
     }
 
     // Block sums of a column of float runs.
@@ -350,10 +364,10 @@ struct MatchVectors {
                 for (int y = 0; y < count; ++y) totals[y] = run_floats<Term>(at(runs, y), tpl_, n);
                 return;
             }
-            switch (width_ / 8) {  // the widths of common templates unrolled
-            case 1: by_rows<1>(runs, count, totals); break;
-            case 2: by_rows<2>(runs, count, totals); break;
-            case 4: by_rows<4>(runs, count, totals); break;
+            switch (width_) {  // the widths of common templates unrolled
+            case 8: by_rows<8>(runs, count, totals); break;
+            case 16: by_rows<16>(runs, count, totals); break;
+            case 32: by_rows<32>(runs, count, totals); break;
             default: by_rows<0>(runs, count, totals); break;
             }
         }
@@ -361,19 +375,19 @@ struct MatchVectors {
     private:
         const float* at(const float* runs, int y) const { return runs + static_cast<ptrdiff_t>(y) * width_; }
 
-        template <int kChunks>
+        template <int kWidth>
         void by_rows(const float* runs, int count, double* totals) const {
             int y = 0;
             for (; y + kFloatRows <= count; y += kFloatRows)
-                blocks_by_rows<Term, kFloatRows, kChunks>(at(runs, y), width_, height_, tpl_d_, totals + y);
-            rest<kChunks, kFloatRows - 1>(at(runs, y), count - y, totals + y);
+                blocks_by_rows<Term, kFloatRows, kWidth>(at(runs, y), width_, height_, tpl_d_, totals + y);
+            rest<kWidth, kFloatRows - 1>(at(runs, y), count - y, totals + y);
         }
         // The last left < kFloatRows blocks.
-        template <int kChunks, int G>
+        template <int kWidth, int G>
         void rest(const float* runs, int left, double* totals) const {
             if constexpr (G > 0) {
-                if (left == G) blocks_by_rows<Term, G, kChunks>(runs, width_, height_, tpl_d_, totals);
-                else rest<kChunks, G - 1>(runs, left, totals);
+                if (left == G) blocks_by_rows<Term, G, kWidth>(runs, width_, height_, tpl_d_, totals);
+                else rest<kWidth, G - 1>(runs, left, totals);
             }
         }
 
