@@ -30,9 +30,8 @@ void fuzz_Constant(Harness& h, const char* name) {
             if constexpr (sizeof(T) == 4) return h.in.real();
             else return h.in.arg(-10, 270);
         }();
-        h.call(name, [&] {
-            return F(h.maybe_null(a.data<T>()), a.step(), h.maybe_null(d.data<T>()), d.step(), roi, value);
-        });
+        h.call(name,
+               [&] { return F(h.maybe_null(a.data<T>()), a.step(), h.maybe_null(d.data<T>()), d.step(), roi, value); });
     });
 }
 
@@ -44,8 +43,8 @@ void fuzz_Motion(Harness& h, const char* name) {
     h.on_every_level([&] {
         const float timestamp = h.in.real(), duration = h.in.real(-10.0f, 1000.0f);
         h.call(name, [&] {
-            return F(h.maybe_null(s.data<Oru8u>()), s.step(), h.maybe_null(m.data<Oru32f>()), m.step(), roi,
-                     timestamp, duration);
+            return F(h.maybe_null(s.data<Oru8u>()), s.step(), h.maybe_null(m.data<Oru32f>()), m.step(), roi, timestamp,
+                     duration);
         });
     });
 }

@@ -24,16 +24,12 @@ void fuzz_accum(Harness& h, const char* name) {
         h.call(name, [&] {
             if constexpr (Op == Product && Masked)
                 return F(a, s1.step(), b, s2.step(), mask, m.step(), d, acc.step(), roi);
-            else if constexpr (Op == Product)
-                return F(a, s1.step(), b, s2.step(), d, acc.step(), roi);
+            else if constexpr (Op == Product) return F(a, s1.step(), b, s2.step(), d, acc.step(), roi);
             else if constexpr (Op == Weighted && Masked)
                 return F(a, s1.step(), mask, m.step(), d, acc.step(), roi, alpha);
-            else if constexpr (Op == Weighted)
-                return F(a, s1.step(), d, acc.step(), roi, alpha);
-            else if constexpr (Masked)
-                return F(a, s1.step(), mask, m.step(), d, acc.step(), roi);
-            else
-                return F(a, s1.step(), d, acc.step(), roi);
+            else if constexpr (Op == Weighted) return F(a, s1.step(), d, acc.step(), roi, alpha);
+            else if constexpr (Masked) return F(a, s1.step(), mask, m.step(), d, acc.step(), roi);
+            else return F(a, s1.step(), d, acc.step(), roi);
         });
     });
 }

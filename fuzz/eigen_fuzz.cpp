@@ -39,9 +39,13 @@ void fuzz_corners(Harness& h, const char* name) {
 }
 
 template <class S, auto F>
-void fuzz_EigenValsVecs(Harness& h, const char* name) { fuzz_corners<6, oruiEigenValsVecsGetSize, S, F>(h, name); }
+void fuzz_EigenValsVecs(Harness& h, const char* name) {
+    fuzz_corners<6, oruiEigenValsVecsGetSize, S, F>(h, name);
+}
 template <class S, auto F>
-void fuzz_MinEigenVal(Harness& h, const char* name) { fuzz_corners<1, oruiMinEigenValGetSize, S, F>(h, name); }
+void fuzz_MinEigenVal(Harness& h, const char* name) {
+    fuzz_corners<1, oruiMinEigenValGetSize, S, F>(h, name);
+}
 
 #define ENTRY(name, shape, S) Entry{#name, fuzz_##shape<S, name>},
 const Entry kEntries[] = {ORUCV_EIGEN_FUNCTIONS(ENTRY)};

@@ -34,7 +34,11 @@ struct StripTable {
 template <Shape Sh, class S, class D, auto F>
 void add_strip(StripTable& t, const char* name) {
     if constexpr (Sh == Sobel || Sh == Blur || Sh == Laplace)
-        t.f[t.count++] = StripFunction{name, strip_call<S, D, F>, sizeof(S), sizeof(D), std::is_same<S, Oru32f>::value,
+        t.f[t.count++] = StripFunction{name,
+                                       strip_call<S, D, F>,
+                                       sizeof(S),
+                                       sizeof(D),
+                                       std::is_same<S, Oru32f>::value,
                                        Sh == Sobel ? 0 : Sh == Blur ? 1 : 2};
 }
 const StripTable& strips() {
@@ -68,11 +72,15 @@ constexpr int kSlots = 2;
 void create(Harness& h, OruFilterSpec** spec, int width, const StripFunction& fn) {
     const bool any = h.in.one_in(4);
     const int kind = any ? h.in.range(0, 2) : fn.kind;
-    const int type = any ? data_type_arg(h.in) : fn.is_float ? oruDataType32f : h.in.one_in(2) ? oruDataType8u : oruDataType8s;
+    const int type = any              ? data_type_arg(h.in)
+                     : fn.is_float    ? oruDataType32f
+                     : h.in.one_in(2) ? oruDataType8u
+                                      : oruDataType8s;
     const int n = kernel_size(h.in);
     OruFilterSpec** out = h.maybe_null(spec);
     if (kind == 0) {
-        const int origin = h.in.arg(0, 1), top = n > 0 && n < 9 ? n - 1 : 6, xo = h.in.arg(0, top), yo = h.in.arg(0, top);
+        const int origin = h.in.arg(0, 1), top = n > 0 && n < 9 ? n - 1 : 6, xo = h.in.arg(0, top),
+                  yo = h.in.arg(0, top);
         h.call("oruiSobelInitAlloc", [&] { return oruiSobelInitAlloc(width, type, n, origin, xo, yo, out); });
     } else if (kind == 1) {
         h.call("oruiBlurInitAlloc", [&] { return oruiBlurInitAlloc(width, type, n, out); });
@@ -109,8 +117,8 @@ void fuzz_sequence(Harness& h, const char* name) {
         const int w = s.width > 0 ? s.width : 0, rows = s.height > 0 ? s.height : 0;
         // The last strip writes up to n / 2 rows more than it reads.
         const bool in_place = s.fn->src_elem == s.fn->dst_elem && h.in.one_in(4);
-        s.dst = &h.image(kDst[k], Role::Out, w * s.fn->dst_elem, rows + 3, h.in.step(w * s.fn->dst_elem, s.fn->dst_elem),
-                         s.fn->dst_elem);
+        s.dst = &h.image(kDst[k], Role::Out, w * s.fn->dst_elem, rows + 3,
+                         h.in.step(w * s.fn->dst_elem, s.fn->dst_elem), s.fn->dst_elem);
         if (s.fn->is_float) fill<Oru32f>(*s.dst, h.in);
         else fill<Oru16s>(*s.dst, h.in);
         if (in_place) {
@@ -134,7 +142,8 @@ void fuzz_sequence(Harness& h, const char* name) {
             const int type = data_type_arg(h.in), n = kernel_size(h.in);
             OruFilterSpec** out = h.maybe_null(&spec[0]);
             if constexpr (Sh == SobelInit) {
-                const int origin = h.in.arg(0, 1), top = n > 0 && n < 9 ? n - 1 : 6, xo = h.in.arg(0, top), yo = h.in.arg(0, top);
+                const int origin = h.in.arg(0, 1), top = n > 0 && n < 9 ? n - 1 : 6, xo = h.in.arg(0, top),
+                          yo = h.in.arg(0, top);
                 h.call(name, [&] { return F(width, type, n, origin, xo, yo, out); });
             } else {
                 h.call(name, [&] { return F(width, type, n, out); });
@@ -149,10 +158,9 @@ void fuzz_sequence(Harness& h, const char* name) {
             case 0:
                 // A new one in its place: the old one is released first.
                 h.call("oruiConvolFree", [&] { return oruiConvolFree(&spec[s.slot]); });
-                create(h, &spec[s.slot], h.in.one_in(4) ? h.in.side(200) : width, *s.fn); break;
-            case 1:
-                h.call("oruiConvolFree", [&] { return oruiConvolFree(h.maybe_null(&spec[s.slot])); });
+                create(h, &spec[s.slot], h.in.one_in(4) ? h.in.side(200) : width, *s.fn);
                 break;
+            case 1: h.call("oruiConvolFree", [&] { return oruiConvolFree(h.maybe_null(&spec[s.slot])); }); break;
             case 2: {
                 // A pointer that cannot come from the allocator is left alone.
                 uint8_t* at = foreign.data() + 1 + h.in.range(0, 30);

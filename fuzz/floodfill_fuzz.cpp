@@ -21,9 +21,13 @@ void fuzz_size(Harness& h, const char* name) {
     });
 }
 template <class T, int Connectivity, auto F>
-void fuzz_FixedSize(Harness& h, const char* name) { fuzz_size<T, Connectivity, F>(h, name); }
+void fuzz_FixedSize(Harness& h, const char* name) {
+    fuzz_size<T, Connectivity, F>(h, name);
+}
 template <class T, int Connectivity, auto F>
-void fuzz_GradSize(Harness& h, const char* name) { fuzz_size<T, Connectivity, F>(h, name); }
+void fuzz_GradSize(Harness& h, const char* name) {
+    fuzz_size<T, Connectivity, F>(h, name);
+}
 
 // Draws a pattern: path cells rise and fall by one per step around `base`
 // (so a gradient fill of tolerance 1 follows the path), walls hold `wall`.
@@ -85,9 +89,13 @@ void fuzz_fill(Harness& h, const char* name) {
 }
 
 template <class T, int Connectivity, auto F>
-void fuzz_Fixed(Harness& h, const char* name) { fuzz_fill<false, T, Connectivity, F, oruiFloodFillGetSize>(h, name); }
+void fuzz_Fixed(Harness& h, const char* name) {
+    fuzz_fill<false, T, Connectivity, F, oruiFloodFillGetSize>(h, name);
+}
 template <class T, int Connectivity, auto F>
-void fuzz_Grad(Harness& h, const char* name) { fuzz_fill<true, T, Connectivity, F, oruiFloodFillGetSize_Grad>(h, name); }
+void fuzz_Grad(Harness& h, const char* name) {
+    fuzz_fill<true, T, Connectivity, F, oruiFloodFillGetSize_Grad>(h, name);
+}
 
 #define ENTRY(name, shape, T, connectivity) Entry{#name, fuzz_##shape<T, connectivity, name>},
 const Entry kEntries[] = {ORUCV_FLOODFILL_FUNCTIONS(ENTRY)};

@@ -16,7 +16,8 @@ void fuzz_Version(Harness& h, const char* name) {
     h.on_every_level([&] {
         h.call(name, [&] {
             const OruLibVersion* v = F();
-            if (!v || v != F() || !v->Name || !v->Version || !v->BuildDate) Harness::fail("%s: no version record", name);
+            if (!v || v != F() || !v->Name || !v->Version || !v->BuildDate)
+                Harness::fail("%s: no version record", name);
             if (!std::strlen(v->Name) || !std::strlen(v->Version) || !std::strlen(v->BuildDate))
                 Harness::fail("%s: an empty version text", name);
             return oruStsOk;
@@ -44,13 +45,15 @@ void fuzz_Alloc(Harness& h, const char* name) {
         for (int s = 0; s < steps; ++s) {
             const int i = h.in.range(0, kSlots - 1);
             switch (h.in.range(0, 3)) {
-            case 0: case 1: {
+            case 0:
+            case 1: {
                 if (block[i]) break;
                 const unsigned length = length_arg(h.in);
                 h.call(name, [&] {
                     block[i] = F(length);
                     if (!block[i]) return oruStsOk;
-                    if (reinterpret_cast<uintptr_t>(block[i]) % 32) Harness::fail("%s(%u): a block off 32 bytes", name, length);
+                    if (reinterpret_cast<uintptr_t>(block[i]) % 32)
+                        Harness::fail("%s(%u): a block off 32 bytes", name, length);
                     uint8_t* p = static_cast<uint8_t*>(block[i]);
                     if (length <= (1u << 20)) std::memset(p, 0x5A, length);
                     else p[0] = p[length - 1] = 0x5A;
@@ -87,7 +90,9 @@ void fuzz_Alloc(Harness& h, const char* name) {
 }
 
 template <auto F>
-void fuzz_Free(Harness& h, const char* name) { fuzz_Alloc<_orcvAlloc>(h, name); }
+void fuzz_Free(Harness& h, const char* name) {
+    fuzz_Alloc<_orcvAlloc>(h, name);
+}
 
 template <const auto& F>
 void fuzz_Table(Harness& h, const char* name) {
@@ -97,7 +102,8 @@ void fuzz_Table(Harness& h, const char* name) {
         h.call(name, [&] {
             // Every byte is readable, and the documented ones hold.
             uint8_t sum = 0;
-            for (size_t i = 0; i < bytes; ++i) sum = static_cast<uint8_t>(sum + reinterpret_cast<const uint8_t*>(&F)[i]);
+            for (size_t i = 0; i < bytes; ++i)
+                sum = static_cast<uint8_t>(sum + reinterpret_cast<const uint8_t*>(&F)[i]);
             (void)sum;
             if constexpr (sizeof(F) == sizeof(a6__orcv8to32f)) {
                 if (a6__orcv8to32f[at / 4] != static_cast<float>(static_cast<int>(at / 4) - 128))
@@ -129,9 +135,8 @@ void fuzz_Channel(Harness& h, const char* name) {
     fill<T>(src, h.in);
     fill<T>(dst, h.in);
     const int coi = h.in.range(0, C - 1);
-    h.on_every_level([&] {
-        h.call(name, [&] { return F(src.data<T>(), src.step(), dst.data<T>(), dst.step(), roi, coi); });
-    });
+    h.on_every_level(
+        [&] { h.call(name, [&] { return F(src.data<T>(), src.step(), dst.data<T>(), dst.step(), roi, coi); }); });
 }
 
 // The planes share one step; each sits against its own page.
@@ -153,17 +158,23 @@ void fuzz_planes(Harness& h, const char* name) {
     }
     h.on_every_level([&] {
         h.call(name, [&] {
-            if constexpr (ToPlanes && C == 3) return F(pixels.data<T>(), pixels.step(), p[0], p[1], p[2], plane_step, roi);
-            else if constexpr (ToPlanes) return F(pixels.data<T>(), pixels.step(), p[0], p[1], p[2], p[3], plane_step, roi);
+            if constexpr (ToPlanes && C == 3)
+                return F(pixels.data<T>(), pixels.step(), p[0], p[1], p[2], plane_step, roi);
+            else if constexpr (ToPlanes)
+                return F(pixels.data<T>(), pixels.step(), p[0], p[1], p[2], p[3], plane_step, roi);
             else if constexpr (C == 3) return F(p[0], p[1], p[2], plane_step, pixels.data<T>(), pixels.step(), roi);
             else return F(p[0], p[1], p[2], p[3], plane_step, pixels.data<T>(), pixels.step(), roi);
         });
     });
 }
 template <auto F, class T, int C>
-void fuzz_Split(Harness& h, const char* name) { fuzz_planes<F, T, C, true>(h, name); }
+void fuzz_Split(Harness& h, const char* name) {
+    fuzz_planes<F, T, C, true>(h, name);
+}
 template <auto F, class T, int C>
-void fuzz_Merge(Harness& h, const char* name) { fuzz_planes<F, T, C, false>(h, name); }
+void fuzz_Merge(Harness& h, const char* name) {
+    fuzz_planes<F, T, C, false>(h, name);
+}
 
 #define ENTRY(name, shape, ...) Entry{#name, fuzz_##shape<name, ##__VA_ARGS__>},
 const Entry kEntries[] = {ORUCV_FRAME_FUNCTIONS(ENTRY)};

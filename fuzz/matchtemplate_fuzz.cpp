@@ -24,8 +24,8 @@ void fuzz_Match(Harness& h, const char* name) {
     Image& buffer = h.image("buffer", Role::Scratch, size, 1, 0, 1);
     h.on_every_level([&] {
         h.call(name, [&] {
-            return F(h.maybe_null(src.data<T>()), src.step(), src_roi, h.maybe_null(tpl.data<T>()), tpl.step(),
-                     tpl_roi, h.maybe_null(dst.data<Oru32f>()), dst.step(), h.maybe_null(buffer.data()));
+            return F(h.maybe_null(src.data<T>()), src.step(), src_roi, h.maybe_null(tpl.data<T>()), tpl.step(), tpl_roi,
+                     h.maybe_null(dst.data<Oru32f>()), dst.step(), h.maybe_null(buffer.data()));
         });
     });
 }

@@ -64,15 +64,16 @@ void create(Harness& h, OruMorphState** state, int width, const StripFunction& f
     OruPoint anchor{h.in.range(0, w - 1), h.in.range(0, ht - 1)};
     if (h.in.one_in(16)) anchor = OruPoint{h.in.arg(0, w), h.in.arg(0, ht)};
     static const int kShapes[] = {oruMorphRect, oruMorphCross, oruMorphEllipse, oruMorphMask, 3, -1, 99};
-    const int shape = h.in.one_in(4) ? h.in.pick(kShapes) : fn.shape == oruMorphMask && h.in.one_in(3) ? oruMorphEllipse : fn.shape;
+    const int shape = h.in.one_in(4)                               ? h.in.pick(kShapes)
+                      : fn.shape == oruMorphMask && h.in.one_in(3) ? oruMorphEllipse
+                                                                   : fn.shape;
     const int type = h.in.one_in(8) ? data_type_arg(h.in) : fn.elem == 4 ? oruDataType32f : oruDataType8u;
     const int channels = h.in.one_in(8) ? h.in.arg(1, 4) : fn.channels;
     // The mask image holds kMaxMask x kMaxMask bytes, enough for any size.
     const Oru8u* bytes = h.maybe_null(mask.data());
     OruMorphState** out = h.maybe_null(state);
-    h.call("oruiMorphologyInitAlloc", [&] {
-        return oruiMorphologyInitAlloc(width, type, channels, size, anchor, shape, bytes, out);
-    });
+    h.call("oruiMorphologyInitAlloc",
+           [&] { return oruiMorphologyInitAlloc(width, type, channels, size, anchor, shape, bytes, out); });
 }
 
 template <Kind K, class T, int C, auto F>
@@ -96,15 +97,15 @@ void fuzz_sequence(Harness& h, const char* name) {
         s.width = h.in.one_in(8) ? h.in.side(150) : width;
         s.height = h.in.one_in(2) ? h.in.range(0, 6) : h.in.side(40);
         if (h.in.one_in(24)) s.height = -1;
-        static const int kFlags[] = {oruMorphWhole, oruMorphFirst, oruMorphMiddle, oruMorphMiddle, oruMorphLast,
-                                     oruMorphFirst, 3,             -1,             8};
+        static const int kFlags[] = {
+            oruMorphWhole, oruMorphFirst, oruMorphMiddle, oruMorphMiddle, oruMorphLast, oruMorphFirst, 3, -1, 8};
         s.flag = h.in.pick(kFlags);
         s.slot = h.in.one_in(3) ? 1 : 0;
         const int w = s.width > 0 ? s.width : 0, rows = s.height > 0 ? s.height : 0;
         const int row_bytes = w * s.fn->channels * s.fn->elem;
         // The last strip writes up to the element's height - 1 rows more.
-        s.dst = &h.image(kDst[k], Role::Out, row_bytes, rows + kMaxMask - 1, h.in.step(row_bytes, s.fn->elem),
-                         s.fn->elem);
+        s.dst =
+            &h.image(kDst[k], Role::Out, row_bytes, rows + kMaxMask - 1, h.in.step(row_bytes, s.fn->elem), s.fn->elem);
         if (s.fn->elem == 4) fill<Oru32f>(*s.dst, h.in);
         else fill<Oru8u>(*s.dst, h.in);
         if (h.in.one_in(4)) {
@@ -131,7 +132,8 @@ void fuzz_sequence(Harness& h, const char* name) {
             case 0:
                 // A new one in its place: the old one is released first.
                 h.call("oruiMorphologyFree", [&] { return oruiMorphologyFree(&state[s.slot]); });
-                create(h, &state[s.slot], h.in.one_in(4) ? h.in.side(150) : width, *s.fn, mask); break;
+                create(h, &state[s.slot], h.in.one_in(4) ? h.in.side(150) : width, *s.fn, mask);
+                break;
             case 1:
                 h.call("oruiMorphologyFree", [&] { return oruiMorphologyFree(h.maybe_null(&state[s.slot])); });
                 break;

@@ -19,9 +19,8 @@ void fuzz_level(Harness& h, const char* name) {
     Image& src = h.image_of<T>("src", Role::In, roi.width, C, roi.height);
     Image& dst = h.image_of<T>("dst", Role::Out, dw, C, dh);
     int size = 0;
-    const OruStatus query = Dir == Down
-                                ? oruiPyrDownGetBufSize_Gauss5x5(roi.width, data_type_of<T>(), C, &size)
-                                : oruiPyrUpGetBufSize_Gauss5x5(roi.width, data_type_of<T>(), C, &size);
+    const OruStatus query = Dir == Down ? oruiPyrDownGetBufSize_Gauss5x5(roi.width, data_type_of<T>(), C, &size)
+                                        : oruiPyrUpGetBufSize_Gauss5x5(roi.width, data_type_of<T>(), C, &size);
     Image& buffer = h.image("buffer", Role::Scratch, query == oruStsOk ? size : 0, 1, 0, 1);
     h.on_every_level([&] {
         h.call(name, [&] {
@@ -32,9 +31,13 @@ void fuzz_level(Harness& h, const char* name) {
 }
 
 template <class T, int C, auto F>
-void fuzz_Down(Harness& h, const char* name) { fuzz_level<Down, T, C, F>(h, name); }
+void fuzz_Down(Harness& h, const char* name) {
+    fuzz_level<Down, T, C, F>(h, name);
+}
 template <class T, int C, auto F>
-void fuzz_Up(Harness& h, const char* name) { fuzz_level<Up, T, C, F>(h, name); }
+void fuzz_Up(Harness& h, const char* name) {
+    fuzz_level<Up, T, C, F>(h, name);
+}
 
 template <class T, int C, auto F>
 void fuzz_size(Harness& h, const char* name) {
@@ -48,9 +51,13 @@ void fuzz_size(Harness& h, const char* name) {
     });
 }
 template <class T, int C, auto F>
-void fuzz_DownSize(Harness& h, const char* name) { fuzz_size<T, C, F>(h, name); }
+void fuzz_DownSize(Harness& h, const char* name) {
+    fuzz_size<T, C, F>(h, name);
+}
 template <class T, int C, auto F>
-void fuzz_UpSize(Harness& h, const char* name) { fuzz_size<T, C, F>(h, name); }
+void fuzz_UpSize(Harness& h, const char* name) {
+    fuzz_size<T, C, F>(h, name);
+}
 
 #define ENTRY(name, shape, T, C) Entry{#name, fuzz_##shape<T, C, name>},
 const Entry kEntries[] = {ORUCV_PYRAMID_FUNCTIONS(ENTRY)};

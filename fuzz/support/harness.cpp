@@ -50,7 +50,7 @@ float Input::real(float lo, float hi) {
     case 12: return from_bits(0x7FC00000u);
     case 13: return from_bits(0xFFC00000u | (u16() & 0x3FFFFF));
     case 14: return from_bits(0x7F800001u | (u32() & 0x3FFFFF));  // signalling
-    case 15: return from_bits(u32() & 0x807FFFFFu);                 // denormal
+    case 15: return from_bits(u32() & 0x807FFFFFu);               // denormal
     case 16: return FLT_MAX;
     case 17: return -FLT_MAX;
     case 18: return FLT_MIN;
@@ -65,7 +65,10 @@ float Input::real(float lo, float hi) {
 
 int Input::step(int row_bytes, int elem) {
     switch (byte() % 32) {
-    case 22: case 23: case 24: case 25: return row_bytes + elem * range(1, 40);
+    case 22:
+    case 23:
+    case 24:
+    case 25: return row_bytes + elem * range(1, 40);
     case 26: return row_bytes + range(1, 7);
     case 27: return row_bytes - range(1, row_bytes > 1 ? row_bytes : 1);
     case 28: return row_bytes - elem;
@@ -86,8 +89,13 @@ constexpr size_t kMargin = 64;
 }
 
 Image::Image(const char* name, Role role, int row_bytes, int rows, int step, int elem, int gap)
-    : name_(name), role_(role), row_bytes_(row_bytes < 0 ? 0 : row_bytes), rows_(rows < 0 ? 0 : rows), step_(step),
-      layout_step_(step >= 1 ? step : row_bytes_), writable_rows_(role == Role::In ? 0 : rows_) {
+    : name_(name),
+      role_(role),
+      row_bytes_(row_bytes < 0 ? 0 : row_bytes),
+      rows_(rows < 0 ? 0 : rows),
+      step_(step),
+      layout_step_(step >= 1 ? step : row_bytes_),
+      writable_rows_(role == Role::In ? 0 : rows_) {
     const size_t extent =
         rows_ > 0 && row_bytes_ > 0 ? static_cast<size_t>(layout_step_) * (rows_ - 1) + row_bytes_ : 0;
     mem_.reset(new orutest::PageEndBuffer(extent + gap + elem, kMargin, 0));
@@ -237,10 +245,10 @@ const char* level_name(orucv::SimdLevel level) {
 }
 
 bool known_status(OruStatus s) {
-    static const OruStatus known[] = {oruStsNoOperation, oruStsOk,           oruStsError,        oruStsBadLine,
-                                      oruStsBadArg,      oruStsSize,         oruStsNullPointer,  oruStsMemAlloc,
-                                      oruStsOutOfRange,  oruStsDataType,     oruStsStep,         oruStsContextMismatch,
-                                      oruStsCoi,         oruStsNumChannels,  oruStsNotEvenStep};
+    static const OruStatus known[] = {oruStsNoOperation, oruStsOk,          oruStsError,       oruStsBadLine,
+                                      oruStsBadArg,      oruStsSize,        oruStsNullPointer, oruStsMemAlloc,
+                                      oruStsOutOfRange,  oruStsDataType,    oruStsStep,        oruStsContextMismatch,
+                                      oruStsCoi,         oruStsNumChannels, oruStsNotEvenStep};
     for (OruStatus k : known)
         if (k == s) return true;
     return false;
@@ -335,9 +343,10 @@ void Harness::after_call(const char* name, OruStatus status) {
                     fail("%s (call %zu) failed with %d on %s but changed %s at byte %ld", name, call_, status, level,
                          im.name(), at);
                 if (!im.writable(k))
-                    fail("%s (call %zu) wrote outside its rows on %s: %s at byte %ld (step %d, %d rows of %d bytes, "
-                         "%d writable)",
-                         name, call_, level, im.name(), at, im.step(), im.rows(), im.row_bytes(), im.writable_rows());
+                    fail(
+                        "%s (call %zu) wrote outside its rows on %s: %s at byte %ld (step %d, %d rows of %d bytes, "
+                        "%d writable)",
+                        name, call_, level, im.name(), at, im.step(), im.rows(), im.row_bytes(), im.writable_rows());
             }
         }
         if (im.role() == Role::Scratch || im.role() == Role::Handle) {

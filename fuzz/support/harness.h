@@ -54,7 +54,9 @@ public:
     // True with probability 1/n.
     bool one_in(int n) { return byte() % n == 0; }
     template <class T, size_t N>
-    T pick(const T (&choices)[N]) { return choices[byte() % N]; }
+    T pick(const T (&choices)[N]) {
+        return choices[byte() % N];
+    }
 
     // A side of an image: mostly small, odd ones favoured, up to `max`.
     int side(int max = 300);
@@ -98,9 +100,13 @@ public:
     Image& operator=(const Image&) = delete;
 
     template <class T = uint8_t>
-    T* data() const { return reinterpret_cast<T*>(first_); }
+    T* data() const {
+        return reinterpret_cast<T*>(first_);
+    }
     template <class T = uint8_t>
-    T* row(int y) const { return reinterpret_cast<T*>(first_ + static_cast<ptrdiff_t>(layout_step_) * y); }
+    T* row(int y) const {
+        return reinterpret_cast<T*>(first_ + static_cast<ptrdiff_t>(layout_step_) * y);
+    }
     int step() const { return step_; }
     int rows() const { return rows_; }
     int row_bytes() const { return row_bytes_; }
@@ -149,9 +155,9 @@ T value_of(Input& in);
 // The data-type code of the size queries and constructors for T.
 template <class T>
 constexpr int data_type_of() {
-    return std::is_same<T, Oru32f>::value ? oruDataType32f
+    return std::is_same<T, Oru32f>::value  ? oruDataType32f
            : std::is_same<T, Oru8s>::value ? oruDataType8s
-                                            : oruDataType8u;
+                                           : oruDataType8u;
 }
 // A data-type code: mostly a valid one, now and then anything.
 inline int data_type_arg(Input& in) {
