@@ -6,6 +6,7 @@
 // gradient fill follow the whole path).
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
