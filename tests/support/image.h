@@ -18,7 +18,17 @@
 
 #include "support/random.h"
 
+// AddressSanitizer builds: gcc says so with __SANITIZE_ADDRESS__, clang
+// through __has_feature.
 #if defined(__SANITIZE_ADDRESS__)
+#define ORUTEST_ASAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORUTEST_ASAN 1
+#endif
+#endif
+
+#if defined(ORUTEST_ASAN)
 #include <sanitizer/asan_interface.h>
 #define ORUTEST_POISON(p, n) ASAN_POISON_MEMORY_REGION(p, n)
 #define ORUTEST_UNPOISON(p, n) ASAN_UNPOISON_MEMORY_REGION(p, n)
@@ -160,7 +170,7 @@ private:
     }
     // The margin, the padding after every row and the gap before the page.
     void poison_outside_region() {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(ORUTEST_ASAN)
         uint8_t* from = buffer_.begin();
         if (padding_exposed_) {
             ORUTEST_POISON(from, begin_ - from);
