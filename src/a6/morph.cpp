@@ -7,8 +7,8 @@
 // ring keeps the last maskHeight stream rows, stream row s in ring row
 // s % maskHeight, each in the form its shape needs:
 //   rectangle  the source row reduced across the element's width;
-//   cross      the source row itself;
-//   mask       the source row widened by its replicated edge pixels.
+//   cross      the source row widened by its replicated edge pixels;
+//   mask       the same.
 // A destination row is written as soon as its last stream row arrives, so
 // strips of any height give the rows of one call, in order.
 #include "a6/morph.h"
@@ -298,6 +298,12 @@ public:
 
 private:
     E* ring(int64_t pos) const { return ring_ + static_cast<size_t>(pos % b_) * row_elems_; }
+    // The ring row `i` rows after the one in slot `base` (i < b_): one
+    // division per destination row rather than one per row folded.
+    E* ring_after(int base, int i) const {
+        const int slot = base + i >= b_ ? base + i - b_ : base + i;
+        return ring_ + static_cast<size_t>(slot) * row_elems_;
+    }
     E* spare() const { return ring_ + static_cast<size_t>(b_) * row_elems_; }
     Out* out_row() const { return row_at(dst_, dst_step_, written_); }
     // Folds rows into a destination row.
@@ -305,7 +311,7 @@ private:
         (stream_ ? k_->reduce_out_stream : k_->reduce_out)(rows, count, row, n_);
     }
     // Elements a ring row holds.
-    int content() const { return s_->shape == 100 ? wide_ : n_; }
+    int content() const { return s_->shape == 0 ? n_ : wide_; }
 
     void copy(E* to, const E* from) const {
         const E* t[1] = {from};
@@ -322,7 +328,6 @@ private:
         const int64_t pos = first ? ay_ : s_->streamRows;
         E* r = ring(pos);
         if (s_->shape == 0) across(reinterpret_cast<const E*>(row), r);
-        else if (s_->shape == 1) k_->load(row, r, n_);
         else widen(row, r);
         if (first)
             for (int t = 0; t < ay_; ++t) copy(ring(t), r);
@@ -407,9 +412,10 @@ private:
         if (running_) return arrived_running(pos);
         if (pos < b_ - 1) return;
         const int64_t y = pos - (b_ - 1);
-        if (s_->shape == 0) emit([&](int i) -> const E* { return ring(y + i); });
-        else if (s_->shape == 1) emit_cross(y);
-        else emit_mask(y);
+        const int base = static_cast<int>(y % b_);
+        if (s_->shape == 0) emit([&](int i) -> const E* { return ring_after(base, i); });
+        else if (s_->shape == 1) emit_cross(base);
+        else emit_mask(base);
     }
 
     // Folds rows row(0) .. row(b_ - 1) into the next destination row.
@@ -430,12 +436,29 @@ private:
         ++written_;
     }
 
-    // The cross: the anchor row reduced across into the spare row stands in
-    // for itself among the rows folded down.
-    void emit_cross(int64_t y) {
-        E* arm = spare();
-        across(ring(y + ay_), arm);
-        emit([&](int i) -> const E* { return i == ay_ ? arm : ring(y + i); });
+    // The cross over widened rows: the anchor column of every row but the
+    // anchor row, which takes part whole, in the order of the rows.
+    void emit_cross(int base) {
+        Out* out = out_row();
+        E* acc = reinterpret_cast<E*>(out);
+        const E* t[kMaxTerms];
+        int used = 0;
+        auto add = [&](const E* p) {
+            if (used == kMaxTerms) {
+                k_->reduce(t, used, acc, n_);
+                t[0] = acc;
+                used = 1;
+            }
+            t[used++] = p;
+        };
+        for (int i = 0; i < b_; ++i) {
+            const E* row = ring_after(base, i);
+            if (i != ay_) add(row + static_cast<size_t>(ax_) * c_);
+            else
+                for (int j = 0; j < mw_; ++j) add(row + static_cast<size_t>(j) * c_);
+        }
+        store_row(t, used, out);
+        ++written_;
     }
 
     // Tall rectangles: running folds over blocks of b_ stream rows. When a
@@ -496,7 +519,7 @@ private:
     // window there. All direct terms and the first folded group go into one
     // fold of the destination row; each further folded group folds into it
     // again (the destination row holds the partial result meanwhile).
-    void emit_mask(int64_t y) {
+    void emit_mask(int base) {
         Out* out = out_row();
         ++written_;
         if (s_->members == 0) {
@@ -525,7 +548,7 @@ private:
                 if (plan < 0) {
                     if (pass == 0)
                         group_rows(row, [&](int i) {
-                            const E* r = ring(y + i);
+                            const E* r = ring_after(base, i);
                             runs(row, [&](int start, int length) {
                                 for (int j = start; j < start + length; ++j) add(r + static_cast<size_t>(j) * c_);
                             });
@@ -536,13 +559,13 @@ private:
                 if (pass == 1 && row == first_folded) continue;
                 if (pass == 0) first_folded = row;
                 else spill();  // the spare row is about to change
-                fold_group(y, row, plan, add);
+                fold_group(base, row, plan, add);
             }
         store_row(t, used, out);
     }
 
     template <class Add>
-    void fold_group(int64_t y, int row, int doublings, Add add) {
+    void fold_group(int base, int row, int doublings, Add add) {
         E* v = spare();
         const E* t[kMaxTerms];
         int used = 0;
@@ -552,7 +575,7 @@ private:
                 t[0] = v;
                 used = 1;
             }
-            t[used++] = ring(y + i);
+            t[used++] = ring_after(base, i);
         });
         k_->reduce(t, used, v, wide_);
         int len = wide_;

@@ -70,8 +70,9 @@ struct MorphVec {
         static I in(I v) { return key(v); }
     };
 
-    // Folds of up to eight rows keep their row pointers in registers (K is
-    // the count); longer ones (K = 0) read them from the list.
+    // Folds of up to twelve rows keep their row pointers in registers (K is
+    // the count); longer ones (K = 0) read them from the list, which costs
+    // a load and a loop step per row and step.
     template <class Op, bool kOut>
     static void fold(const typename Op::S::E* const* rows, int count, void* dst, int n) {
         using E = typename Op::S::E;
@@ -85,6 +86,10 @@ struct MorphVec {
         case 6: return fold_k<Op, kOut, 6>(rows, count, d, n);
         case 7: return fold_k<Op, kOut, 7>(rows, count, d, n);
         case 8: return fold_k<Op, kOut, 8>(rows, count, d, n);
+        case 9: return fold_k<Op, kOut, 9>(rows, count, d, n);
+        case 10: return fold_k<Op, kOut, 10>(rows, count, d, n);
+        case 11: return fold_k<Op, kOut, 11>(rows, count, d, n);
+        case 12: return fold_k<Op, kOut, 12>(rows, count, d, n);
         default: return fold_k<Op, kOut, 0>(rows, count, d, n);
         }
     }
