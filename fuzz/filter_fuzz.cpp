@@ -24,8 +24,8 @@ struct StripFunction {
     int kind;  // 0 Sobel, 1 Blur, 2 Laplace
 };
 template <class S, class D, auto F>
-OruStatus strip_call(const void* s, int ss, void* d, int ds, OruSize* roi, OruFilterSpec* spec, int flag) {
-    return F(static_cast<const S*>(s), ss, static_cast<D*>(d), ds, roi, spec, flag);
+OruStatus strip_call(const void* s, int ss, void* d, int ds, OruSize* roi, OruFilterSpec* fspec, int flag) {
+    return F(static_cast<const S*>(s), ss, static_cast<D*>(d), ds, roi, fspec, flag);
 }
 struct StripTable {
     StripFunction f[16];
@@ -67,9 +67,9 @@ struct Strip {
 
 constexpr int kSlots = 2;
 
-// Creates a specification into *spec through the harness: mostly one that
+// Creates a filter specification into *fspec through the harness: mostly one that
 // serves the strip function fn, sometimes of any kind and arguments.
-void create(Harness& h, OruFilterSpec** spec, int width, const StripFunction& fn) {
+void create(Harness& h, OruFilterSpec** fspec, int width, const StripFunction& fn) {
     const bool any = h.in.one_in(4);
     const int kind = any ? h.in.range(0, 2) : fn.kind;
     const int type = any              ? data_type_arg(h.in)
@@ -77,7 +77,7 @@ void create(Harness& h, OruFilterSpec** spec, int width, const StripFunction& fn
                      : h.in.one_in(2) ? oruDataType8u
                                       : oruDataType8s;
     const int n = kernel_size(h.in);
-    OruFilterSpec** out = h.maybe_null(spec);
+    OruFilterSpec** out = h.maybe_null(fspec);
     if (kind == 0) {
         const int origin = h.in.arg(0, 1), top = n > 0 && n < 9 ? n - 1 : 6, xo = h.in.arg(0, top),
                   yo = h.in.arg(0, top);
@@ -135,12 +135,12 @@ void fuzz_sequence(Harness& h, const char* name) {
     Image& foreign = h.image("foreign", Role::In, 64, 1, 64, 1);
 
     h.on_every_level([&] {
-        OruFilterSpec** spec = specs.data<OruFilterSpec*>();
-        for (int i = 0; i < kSlots; ++i) spec[i] = nullptr;
+        OruFilterSpec** fspec = specs.data<OruFilterSpec*>();
+        for (int i = 0; i < kSlots; ++i) fspec[i] = nullptr;
         // The first specification, mostly of the entry's own kind.
         if constexpr (Sh == SobelInit || Sh == BlurInit || Sh == LaplaceInit) {
             const int type = data_type_arg(h.in), n = kernel_size(h.in);
-            OruFilterSpec** out = h.maybe_null(&spec[0]);
+            OruFilterSpec** out = h.maybe_null(&fspec[0]);
             if constexpr (Sh == SobelInit) {
                 const int origin = h.in.arg(0, 1), top = n > 0 && n < 9 ? n - 1 : 6, xo = h.in.arg(0, top),
                           yo = h.in.arg(0, top);
@@ -149,18 +149,18 @@ void fuzz_sequence(Harness& h, const char* name) {
                 h.call(name, [&] { return F(width, type, n, out); });
             }
         } else {
-            create(h, &spec[0], width, *plan[0].fn);
+            create(h, &fspec[0], width, *plan[0].fn);
         }
-        create(h, &spec[1], width, *plan[count - 1].fn);
+        create(h, &fspec[1], width, *plan[count - 1].fn);
         for (int k = 0; k < count; ++k) {
             const Strip& s = plan[k];
             switch (h.in.byte() % 16) {
             case 0:
                 // A new one in its place: the old one is released first.
-                h.call("oruiConvolFree", [&] { return oruiConvolFree(&spec[s.slot]); });
-                create(h, &spec[s.slot], h.in.one_in(4) ? h.in.side(200) : width, *s.fn);
+                h.call("oruiConvolFree", [&] { return oruiConvolFree(&fspec[s.slot]); });
+                create(h, &fspec[s.slot], h.in.one_in(4) ? h.in.side(200) : width, *s.fn);
                 break;
-            case 1: h.call("oruiConvolFree", [&] { return oruiConvolFree(h.maybe_null(&spec[s.slot])); }); break;
+            case 1: h.call("oruiConvolFree", [&] { return oruiConvolFree(h.maybe_null(&fspec[s.slot])); }); break;
             case 2: {
                 // A pointer that cannot come from the allocator is left alone.
                 uint8_t* at = foreign.data() + 1 + h.in.range(0, 30);
@@ -177,7 +177,7 @@ void fuzz_sequence(Harness& h, const char* name) {
             default: break;
             }
             // An empty slot is mostly filled again before its strip.
-            if (!spec[s.slot] && !h.in.one_in(4)) create(h, &spec[s.slot], width, *s.fn);
+            if (!fspec[s.slot] && !h.in.one_in(4)) create(h, &fspec[s.slot], width, *s.fn);
             OruSize* roi = &roi_cell.data<OruSize>()[k];
             *roi = OruSize{s.width, s.height};
             const OruSize before = *roi;
@@ -185,7 +185,7 @@ void fuzz_sequence(Harness& h, const char* name) {
             h.call(s.fn->name, [&] {
                 s.dst->set_writable_rows(dst_rows);
                 const OruStatus st = s.fn->call(h.maybe_null(s.src->data()), s.src->step(), h.maybe_null(s.dst->data()),
-                                                s.dst->step(), h.maybe_null(roi), h.maybe_null(spec[s.slot]), s.flag);
+                                                s.dst->step(), h.maybe_null(roi), h.maybe_null(fspec[s.slot]), s.flag);
                 if (st >= 0) {
                     // Only the rows it reports were written, and never more
                     // than its rows plus those held back.
@@ -196,7 +196,7 @@ void fuzz_sequence(Harness& h, const char* name) {
                 return st;
             });
         }
-        for (int i = 0; i < kSlots; ++i) h.call("oruiConvolFree", [&] { return oruiConvolFree(&spec[i]); });
+        for (int i = 0; i < kSlots; ++i) h.call("oruiConvolFree", [&] { return oruiConvolFree(&fspec[i]); });
     });
 }
 

@@ -47,9 +47,9 @@ def _filter(kind, img, kernel_size, out, **orders):
             raise TypeError("%s: expected an integer, got %r" % (what, v))
     out = output(out, img.shape, F32 if img.dtype == F32 else S16)
     roi = size(img)
-    with FilterSpec(kind, max(img.shape[1], 1), img.dtype, kernel_size, **orders) as spec:
+    with FilterSpec(kind, max(img.shape[1], 1), img.dtype, kernel_size, **orders) as fspec:
         _FILTER[kind, img.dtype](pSrc=img, srcStep=step(img), pDst=out, dstStep=step(out), pRoiSize=ctypes.byref(roi),
-                                 pSpec=spec.ptr, stripFlag=0)
+                                 pSpec=fspec.ptr, stripFlag=0)
     return out
 
 
