@@ -101,10 +101,8 @@ void fuzz_sequence(Harness& h, const char* name) {
     int width = h.in.side(200);
     if (h.in.one_in(24)) width = -h.in.range(0, 2);
     // The strips, planned (and their images made) before the sequence runs.
-    Strip plan[8];
-    const int count = h.in.range(1, 8);
-    static const char* const kSrc[] = {"src0", "src1", "src2", "src3", "src4", "src5", "src6", "src7"};
-    static const char* const kDst[] = {"dst0", "dst1", "dst2", "dst3", "dst4", "dst5", "dst6", "dst7"};
+    Strip plan[kMaxStrips];
+    const int count = h.in.range(1, kMaxStrips);
     for (int k = 0; k < count; ++k) {
         Strip& s = plan[k];
         s.fn = &table.f[preferred >= 0 && !h.in.one_in(4) ? preferred : h.in.range(0, table.count - 1)];
@@ -117,14 +115,15 @@ void fuzz_sequence(Harness& h, const char* name) {
         const int w = s.width > 0 ? s.width : 0, rows = s.height > 0 ? s.height : 0;
         // The last strip writes up to n / 2 rows more than it reads.
         const bool in_place = s.fn->src_elem == s.fn->dst_elem && h.in.one_in(4);
-        s.dst = &h.image(kDst[k], Role::Out, w * s.fn->dst_elem, rows + 3,
+        s.dst = &h.image(kStripDestinations[k], Role::Out, w * s.fn->dst_elem, rows + 3,
                          h.in.step(w * s.fn->dst_elem, s.fn->dst_elem), s.fn->dst_elem);
         if (s.fn->is_float) fill<Oru32f>(*s.dst, h.in);
         else fill<Oru16s>(*s.dst, h.in);
         if (in_place) {
             s.src = s.dst;
         } else {
-            s.src = &h.image(kSrc[k], Role::In, w * s.fn->src_elem, rows, h.in.step(w * s.fn->src_elem, s.fn->src_elem),
+            const int src_bytes = w * s.fn->src_elem;
+            s.src = &h.image(kStripSources[k], Role::In, src_bytes, rows, h.in.step(src_bytes, s.fn->src_elem),
                              s.fn->src_elem);
             if (s.fn->is_float) fill<Oru32f>(*s.src, h.in);
             else fill<Oru8u>(*s.src, h.in);

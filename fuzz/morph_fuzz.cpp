@@ -87,10 +87,8 @@ void fuzz_sequence(Harness& h, const char* name) {
 
     int width = h.in.side(150);
     if (h.in.one_in(24)) width = -h.in.range(0, 2);
-    PlannedStrip plan[8];
-    const int count = h.in.range(1, 8);
-    static const char* const kSrc[] = {"src0", "src1", "src2", "src3", "src4", "src5", "src6", "src7"};
-    static const char* const kDst[] = {"dst0", "dst1", "dst2", "dst3", "dst4", "dst5", "dst6", "dst7"};
+    PlannedStrip plan[kMaxStrips];
+    const int count = h.in.range(1, kMaxStrips);
     for (int k = 0; k < count; ++k) {
         PlannedStrip& s = plan[k];
         s.fn = &table.f[h.in.one_in(5) ? h.in.range(0, table.count - 1) : preferred];
@@ -104,14 +102,14 @@ void fuzz_sequence(Harness& h, const char* name) {
         const int w = s.width > 0 ? s.width : 0, rows = s.height > 0 ? s.height : 0;
         const int row_bytes = w * s.fn->channels * s.fn->elem;
         // The last strip writes up to the element's height - 1 rows more.
-        s.dst =
-            &h.image(kDst[k], Role::Out, row_bytes, rows + kMaxMask - 1, h.in.step(row_bytes, s.fn->elem), s.fn->elem);
+        s.dst = &h.image(kStripDestinations[k], Role::Out, row_bytes, rows + kMaxMask - 1,
+                         h.in.step(row_bytes, s.fn->elem), s.fn->elem);
         if (s.fn->elem == 4) fill<Oru32f>(*s.dst, h.in);
         else fill<Oru8u>(*s.dst, h.in);
         if (h.in.one_in(4)) {
             s.src = s.dst;
         } else {
-            s.src = &h.image(kSrc[k], Role::In, row_bytes, rows, h.in.step(row_bytes, s.fn->elem), s.fn->elem);
+            s.src = &h.image(kStripSources[k], Role::In, row_bytes, rows, h.in.step(row_bytes, s.fn->elem), s.fn->elem);
             if (s.fn->elem == 4) fill<Oru32f>(*s.src, h.in);
             else fill<Oru8u>(*s.src, h.in);
         }

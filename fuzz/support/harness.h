@@ -152,6 +152,13 @@ void fill(Image& image, Input& in);
 template <class T>
 T value_of(Input& in);
 
+// Sequences of strip calls (strip filters, morphology): at most kMaxStrips
+// strips, each with its own source and destination image names.
+constexpr int kMaxStrips = 8;
+constexpr const char* kStripSources[kMaxStrips] = {"src0", "src1", "src2", "src3", "src4", "src5", "src6", "src7"};
+constexpr const char* kStripDestinations[kMaxStrips] = {"dst0", "dst1", "dst2", "dst3",
+                                                        "dst4", "dst5", "dst6", "dst7"};
+
 // The data-type code of the size queries and constructors for T.
 template <class T>
 constexpr int data_type_of() {
